@@ -1,0 +1,11 @@
+# Warnings are errors, with gcc and clang, natively and for Windows.
+add_library(morvil_options INTERFACE)
+target_compile_options(morvil_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -fno-strict-aliasing)
+if(WIN32)
+  target_compile_definitions(morvil_options INTERFACE UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601)
+endif()
+if(MORVIL_SANITIZE)
+  target_compile_options(morvil_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(morvil_options INTERFACE -fsanitize=address,undefined)
+endif()

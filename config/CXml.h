@@ -1,0 +1,56 @@
+// CXml.h - the store behind PrinterDriver.xml (and, with a path of its own, the colour lists): dotted item paths, each read
+// and each write of the file under the system-wide mutex, each write through a file beside it that replaces the old one.
+// Owns its document and mutex handle. One thread at a time. Nothing throws.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "config/CMvConfig.h"
+#include "config/XmlNode.h"
+#include "platform/common/Text.h"
+
+namespace morvil {
+
+class MvMutex;
+
+// Remembers the bytes and the parsed document of the last load, so that a reload that meets the same bytes need not parse
+// them again. The file is still read under its lock each time. Owned by whoever loads often (the job writer).
+class ParsedDocumentCache;
+
+class CXml {
+  public:
+    static constexpr std::size_t kValueCharacters = kPathCharacters;
+
+    // On PrinterDriver.xml, or on `path`. Both open the mutex and load the file.
+    CXml();
+    explicit CXml(const WCHAR* path);
+    // As CXml(), sharing the parsed document of `cache` while the file's bytes do not change.
+    explicit CXml(ParsedDocumentCache& cache);
+    ~CXml();
+    CXml(const CXml&) = delete;
+    CXml& operator=(const CXml&) = delete;
+
+    bool reload();
+    bool archive();
+    bool createDefault();
+
+    // `value` holds kValueCharacters. False when an element or the attribute is missing; `value` is then untouched.
+    bool getItem(const WCHAR* path, WCHAR* value, const WCHAR* attribute = TEXT("value"));
+    bool putItem(const WCHAR* path, const WCHAR* value, const WCHAR* attribute = TEXT("value"));
+    bool removeItem(const WCHAR* path);
+    bool readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute = TEXT("value"));
+
+    // Walks the sibling elements of the named path in document order; the current element, or null at the end.
+    const XmlNode* first(const WCHAR* path);
+    const XmlNode* next();
+
+    [[nodiscard]] bool isLoaded() const;  // a document with at least one element is there
+    [[nodiscard]] const WCHAR* path() const;
+
+  private:
+    struct Members;
+    std::unique_ptr<Members> m;
+};
+
+}  // namespace morvil

@@ -1,0 +1,50 @@
+// Path.h - a path in device coordinates (28.4 fixed point), built figure by figure. Plain data; copies are cheap enough for
+// what drawings hold. Curves are cubic Beziers; ellipses and arcs arrive as Beziers.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/platform.h"
+
+namespace morvil::engine {
+
+inline constexpr FIX kFixOne = 16;  // one pixel
+
+enum class SegmentKind : std::uint8_t { Line, Bezier };
+
+// Points behind the first belong to segments: one point for a line, three for a curve.
+struct Subpath {
+    std::vector<POINTFIX> points;
+    std::vector<SegmentKind> segments;
+    bool closed = false;
+};
+
+class Path {
+  public:
+    void moveTo(POINTFIX point);
+    void lineTo(POINTFIX point);
+    void bezierTo(POINTFIX control1, POINTFIX control2, POINTFIX end);
+    void close();
+    void append(const Path& other);
+    // Marks the path as exactly one ellipse inscribed in its bounds.
+    void markEllipse() { m_ellipse = true; }
+
+    [[nodiscard]] const std::vector<Subpath>& subpaths() const { return m_subpaths; }
+    [[nodiscard]] bool empty() const { return m_subpaths.empty(); }
+    [[nodiscard]] bool hasBeziers() const;
+    [[nodiscard]] bool isEllipse() const { return m_ellipse; }
+    // Number of lines and curves, as PATHOBJ::cCurves counts them (a closing line counts when it has a length).
+    [[nodiscard]] ULONG curveCount() const;
+    // Smallest box around all points, right and bottom exclusive by one sixteenth; all zero when empty.
+    [[nodiscard]] RECTL bounds() const;
+    void translate(FIX dx, FIX dy);
+    // Curves replaced by lines; the tolerance is in sixteenths of a pixel.
+    [[nodiscard]] Path flattened(FIX tolerance = 4) const;
+
+  private:
+    std::vector<Subpath> m_subpaths;
+    bool m_ellipse = false;
+};
+
+}  // namespace morvil::engine

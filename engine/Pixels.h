@@ -1,0 +1,41 @@
+// Pixels.h - the engine's own drawing on its bitmaps, behind the Eng services: surfaces, palettes, colour translation, brushes,
+// raster operations, stretching, coverage. No decisions about hooks are made here (see Canvas).
+#pragma once
+
+#include <memory>
+
+#include "engine/Objects.h"
+
+namespace morvil::engine {
+
+// The surface behind a handle or SURFOBJ; null for anything that is not ours.
+EngineSurface* surfaceOf(HSURF handle);
+EngineSurface* surfaceOf(SURFOBJ* object);
+std::shared_ptr<const Palette> paletteOf(HPALETTE handle);
+// Handles that are still alive, for leak tests.
+std::size_t liveSurfaces();
+std::size_t livePalettes();
+
+// A bitmap of the image's format with its bits copied, for use as a blit's source. Owned by the caller.
+std::unique_ptr<EngineSurface> makeSource(const Image& image);
+
+// The surface pixel value nearest to a colour.
+ULONG nearestPixel(const EngineSurface& surface, COLORREF colour);
+// Whether the surface's palette holds the colour exactly (always for direct colour).
+bool hasExactColour(const EngineSurface& surface, COLORREF colour);
+
+// `dither`: solid colours that the palette lacks become a pattern; otherwise the nearest entry.
+EngineBrush realizeBrush(const EngineSurface& surface, const Brush& brush, bool dither);
+// From the source image's colours to the surface's pixel values. `foreground` and `background` serve 1-bit sources without
+// palette and colour sources on 1-bit targets.
+EngineXlate makeTranslation(const EngineSurface& target, const EngineSurface& source, COLORREF foreground, COLORREF background);
+EngineClip makeClip(const Region& region, const RECTL& surfaceBounds, const RECTL& target);
+EnginePath makePath(const Path& path);
+EngineText makeText(const GlyphRun& run);
+
+// A one-pixel line as the engine draws it itself (diamond rule, styles), for strokes that the driver answers FALSE.
+void strokeCosmetic(EngineSurface& surface, const Path& path, const EngineClip& clip, const EngineBrush& brush, const Pen& pen, int rop2);
+// The outline of a stroked path: joins, caps and dashes in world units, result in device coordinates, to be filled winding.
+Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice);
+
+}  // namespace morvil::engine

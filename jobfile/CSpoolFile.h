@@ -1,0 +1,53 @@
+// CSpoolFile.h - writes one job file: header, bitmap section, vector commands; completes and renames it. The format is in
+// docs/job-file-format.md. Never keeps the file open between operations: each opens it, works at a remembered byte position and
+// closes it, so the file is consistent on disk after every call. One writer per document; printing thread only.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "config/ConfigurationRecord.h"
+#include "jobfile/PolygonPoints.h"
+#include "platform/common/Text.h"
+
+namespace morvil {
+
+class CSpoolFile {
+  public:
+    CSpoolFile();
+    ~CSpoolFile();
+    CSpoolFile(const CSpoolFile&) = delete;
+    CSpoolFile& operator=(const CSpoolFile&) = delete;
+
+    // `copyOut`, when given, receives at most 50 characters of the resulting name (with its terminator).
+    bool SetJobName(const WCHAR* name, WCHAR* copyOut = nullptr);
+    bool SetPrinterConfig(const ConfigurationRecord* config);
+    bool BuildSpoolFileName(const WCHAR* jobName);
+    bool WriteHeader();
+    // Bit 0 creates the bitmap section, bit 1 creates it and fills it with white. Always false; callers ignore it.
+    bool CreateBitmap(int modeBits);
+    bool WriteVectorSection();
+    // The whole page as stored rows; `bytes` is the size of the surface's bits, checked against the section's.
+    bool WriteBitmap(const std::uint8_t* pageBits, std::size_t bytes);
+    bool WriteBitmapBand(const std::uint8_t* buffer, std::uint32_t size, std::uint32_t offset);
+
+    // False only when the polygon was dropped as a duplicate before anything was written. Mirroring changes the arrays.
+    bool WritePolygon(std::int32_t* xs, std::int32_t* ys, std::uint32_t count, std::uint32_t colour, bool checkDuplicates);
+    bool WriteBezier(const std::int32_t* xs, const std::int32_t* ys, std::uint32_t count, std::uint32_t colour);
+    bool WriteArc(const ArcRecord& arc, std::uint32_t colour);
+
+    // Finishes the page's job: the process mode's work, shrinking, the final name.
+    bool Complete();
+    bool TraceBitmap(const std::uint8_t* pageBits, std::uint32_t width, std::uint32_t height, std::uint32_t yOffset);
+    // The document was aborted: an unfinished file is removed.
+    void Abort();
+
+    [[nodiscard]] const WCHAR* jobName() const;
+    [[nodiscard]] const WCHAR* jobFilePath() const;
+
+  private:
+    struct Members;
+    std::unique_ptr<Members> m;
+};
+
+}  // namespace morvil
