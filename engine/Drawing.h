@@ -66,6 +66,7 @@ struct PositionedGlyph {
 };
 
 struct GlyphRun {
+    ULONG font = 0;  // number of the realised font (face, size and transform); 0 when unknown
     std::vector<PositionedGlyph> glyphs;
     RECTL background{};  // box of the text's cells
     std::vector<WCHAR> characters;
