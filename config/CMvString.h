@@ -29,12 +29,28 @@ class CMvString {
     WCHAR* toLower(WCHAR* text);
     WCHAR* toUTF8(const WCHAR* source, WCHAR* destination);
 
+    // The first occurrence; null for none, and for texts that are empty or m_capacity characters or longer.
     const WCHAR* find(const WCHAR* text, const WCHAR* pattern);
+    // Replaces every occurrence in place. False, and nothing done, when `to` is longer than `from` or `from` is empty or too long.
     bool replace(WCHAR* text, const WCHAR* from, const WCHAR* to);
+    // Takes `count` tokens in turn and copies the last of them, up to 259 characters, into `destination`; `rest` is where the
+    // next token begins, the end of the text when there is none. False, and nothing written, on wrong use (1 to 9 delimiters)
+    // and when the text has no such token left.
     bool nextToken(const WCHAR* source, const WCHAR* delimiters, WCHAR* destination, int count, const WCHAR** rest = nullptr);
 
   private:
     static constexpr std::uint32_t m_capacity = 260;
+
+    template <typename T>
+    T wholeNumber(const WCHAR* text, const WCHAR* operation);
+    template <typename T>
+    WCHAR* printNumber(T value, WCHAR* buffer, const WCHAR* operation);
+    bool printsAsHexadecimal(std::uint32_t value, WStringView text);
+    void send(WStringView text);
+    void reportParameter(const WCHAR* operation);
+    void reportConversion(const WCHAR* operation, WStringView text);
+    static void copyPart(WCHAR* destination, WStringView token);
+
     std::array<WCHAR, m_capacity> m_buffer{};
 };
 
