@@ -29,7 +29,10 @@ struct LogState {
     WString folder;      // holds log_morvil.txt and log_rend.txt; no trailing backslash
     WString baseFolder;  // holds mvDebug.ini; no trailing backslash
 };
-LogState& logState();
+namespace detail {
+extern constinit LogState theLogState;  // reached through logState() alone
+}
+inline LogState& logState() { return detail::theLogState; }
 
 // The end marker that every call passes behind its own arguments; the log ignores it.
 inline constexpr int kLogEnd = -777;

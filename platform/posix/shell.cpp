@@ -1,0 +1,44 @@
+// shell.cpp - the system's folders. Promises: "C:\ProgramData" and "C:\Program Files", made in the data root when missing
+// (on Windows they always exist), and the name of the system folder. Refuses: every other folder (E_INVALIDARG), other users'
+// folders (the token is ignored).
+#include <string>
+
+#include "platform/posix/Errors.h"
+#include "platform/posix/HostPath.h"
+#include "platform/posix/HostState.h"
+
+using namespace morvil;
+
+namespace {
+
+constexpr HRESULT resultOf(DWORD error) { return static_cast<HRESULT>(0x80070000U | (error & 0xFFFFU)); }
+
+WStringView folderOf(int folder) {
+    switch (folder & 0xFF) {
+        case CSIDL_COMMON_APPDATA: return TEXT("C:\\ProgramData");
+        case CSIDL_PROGRAM_FILES: return TEXT("C:\\Program Files");
+        default: return {};
+    }
+}
+
+}  // namespace
+
+HRESULT SHGetFolderPathW(HWND, int folder, HANDLE, DWORD, LPWSTR path) {
+    if (path == nullptr) return E_INVALIDARG;
+    *path = 0;
+    const WStringView name = folderOf(folder);
+    if (name.empty()) return E_INVALIDARG;
+    HostPath hostPath;
+    if (refused("SHGetFolderPathW") || !hostPath.assign(name) || !makeFolders(std::string(hostPath.view())))
+        return resultOf(GetLastError());
+    copyText({path, MAX_PATH}, name);
+    return S_OK;
+}
+
+UINT GetSystemDirectoryW(LPWSTR out, UINT characters) {
+    constexpr WStringView kFolder = TEXT("C:\\Windows\\System32");
+    if (refused("GetSystemDirectoryW")) return 0;
+    if (out == nullptr || characters <= kFolder.size()) return static_cast<UINT>(kFolder.size() + 1);
+    copyText({out, characters}, kFolder);
+    return static_cast<UINT>(kFolder.size());
+}
