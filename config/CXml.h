@@ -12,10 +12,6 @@
 
 namespace morvil {
 
-class MvMutex;
-
-// Remembers the bytes and the parsed document of the last load, so that a reload that meets the same bytes need not parse
-// them again. The file is still read under its lock each time. Owned by whoever loads often (the job writer).
 class ParsedDocumentCache;
 
 class CXml {
@@ -31,13 +27,19 @@ class CXml {
     CXml(const CXml&) = delete;
     CXml& operator=(const CXml&) = delete;
 
+    // Reads the file. False when it is missing, empty or too large, and the document is then empty; false as well when the mutex
+    // cannot be had, and the document is then the old one.
     bool reload();
+    // Writes the whole document. False when the mutex cannot be had or the file cannot be written, which leaves it as it was.
     bool archive();
+    // A new file of nothing but the declaration and an empty element PrinterDriver. Always false.
     bool createDefault();
 
     // `value` holds kValueCharacters. False when an element or the attribute is missing; `value` is then untouched.
     bool getItem(const WCHAR* path, WCHAR* value, const WCHAR* attribute = TEXT("value"));
+    // Makes what is missing of the chain, sets the attribute and writes the file.
     bool putItem(const WCHAR* path, const WCHAR* value, const WCHAR* attribute = TEXT("value"));
+    // Takes the element out and writes the file. False when there is none.
     bool removeItem(const WCHAR* path);
     bool readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute = TEXT("value"));
 

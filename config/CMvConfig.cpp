@@ -1,0 +1,146 @@
+#include "config/CMvConfig.h"
+
+#include "config/CMvFsServices.h"
+#include "driver/log/Log.h"
+#include "platform/common/FileStream.h"
+
+namespace morvil {
+
+namespace {
+
+using Path = CMvConfig::Path;
+
+constexpr std::size_t kMostFolderCharacters = 258;
+constexpr const WCHAR* kUserSetup = TEXT("UserSetup");
+
+void append(WString& text, WStringView part) { text.append(part); }
+
+// The parts put together; empty when the first of them is empty or the whole does not fit.
+template <typename... Parts>
+Path joined(const Path& base, const Parts&... parts) {
+    WString text(viewOf(base));
+    Path path{};
+    if (text.empty()) return path;
+    (append(text, parts), ...);
+    if (text.size() < path.size()) copyText(path, text);
+    return path;
+}
+
+// A folder that exists is left as it is.
+void provideFolder(const Path& path) {
+    if (path[0] != 0 && !folderExists(path.data())) CMvFsServices().createDirectory(path.data());
+}
+
+Path readPath(const Path& ini, const WCHAR* section, const WCHAR* key, const WCHAR* missing = TEXT("")) {
+    Path value{};
+    if (ini[0] == 0) return value;
+    GetPrivateProfileStringW(section, key, missing, value.data(), static_cast<DWORD>(value.size()), ini.data());
+    return value;
+}
+
+Path withoutLast(Path path) {
+    if (const std::size_t length = viewOf(path).size(); length > 0) path[length - 1] = 0;
+    return path;
+}
+
+Path withoutBackslash(const Path& path) { return viewOf(path).ends_with(TEXT('\\')) ? withoutLast(path) : path; }
+
+// Empty when the system does not name the folder.
+Path systemFolder(int which) {
+    Path path{};
+    if (FAILED(SHGetFolderPathW(nullptr, which, nullptr, SHGFP_TYPE_CURRENT, path.data()))) path = {};
+    return path;
+}
+
+bool createFile(const Path& path) { return path[0] != 0 && FileStream(path.data(), OpenMode::CreateNew).isOpen(); }
+
+void createDefaultMorvilConfig(const Path& ini) {
+    if (!createFile(ini)) {
+        logMorvil(1, kError, TEXT("CMvConfig::createDefaultMorvilConfig Error"), kLogEnd);
+        return;
+    }
+    for (const WCHAR* section : {TEXT("Plotkeeper"), TEXT("PrinterDriver")})
+        WritePrivateProfileStringW(section, TEXT("actVersion"), TEXT("0.0.0"), ini.data());
+}
+
+void createDefaultPlotkeeperConfig(const Path& folder, const Path& ini) {
+    if (!createFile(ini)) {
+        logMorvil(1, kError, TEXT("CMvConfig::createDefaultPlotkeeperConfig Error"), kLogEnd);
+        return;
+    }
+    const Path spool = joined(folder, TEXT("\\Spool"));
+    const Path work = joined(folder, TEXT("\\Work"));
+    provideFolder(spool);
+    provideFolder(work);
+    WritePrivateProfileStringW(kUserSetup, TEXT("SpoolPath"), joined(spool, TEXT("\\")).data(), ini.data());
+    WritePrivateProfileStringW(kUserSetup, TEXT("WorkPath"), joined(work, TEXT("\\")).data(), ini.data());
+}
+
+}  // namespace
+
+CMvConfig::CMvConfig() {
+    buildPathCommon();
+    buildPathJobApplication();
+    buildPathDriver();
+}
+
+void CMvConfig::buildPathCommon() {
+    const Path common = systemFolder(CSIDL_COMMON_APPDATA | CSIDL_FLAG_CREATE);
+    if (common[0] == 0) logMorvil(1, kError, TEXT("CMvConfig::buildPathCommon Error common"), kLogEnd);
+    if (viewOf(common).size() > kMostFolderCharacters) logMorvil(1, kError, TEXT("CMvConfig::buildPathCommon Error length path"), kLogEnd);
+    m_dataRoot = joined(common, TEXT("\\Morvil"));
+    m_commonFiles = joined(m_dataRoot, TEXT("\\Common Files"));
+    m_mainIni = joined(m_dataRoot, TEXT("\\morvil.ini"));
+    m_debugIni = joined(m_dataRoot, TEXT("\\mvDebug.ini"));
+    m_diagnosticsFile = joined(m_commonFiles, TEXT("\\Diagnostics.xml"));
+    m_programCommonFiles = joined(systemFolder(CSIDL_PROGRAM_FILES), TEXT("\\Morvil\\Common Files"));
+    logState().baseFolder = dataRoot();
+    provideFolder(m_dataRoot);
+    provideFolder(m_commonFiles);
+    if (!fileExists(m_mainIni.data())) createDefaultMorvilConfig(m_mainIni);
+}
+
+void CMvConfig::buildPathJobApplication() {
+    const Path version = readPath(m_mainIni, TEXT("Plotkeeper"), TEXT("actVersion"), TEXT("ERROR"));
+    const Path parent = joined(m_dataRoot, TEXT("\\Plotkeeper"));
+    m_jobApplicationFolder = joined(parent, TEXT("\\"), version.data());
+    m_jobApplicationIni = joined(m_jobApplicationFolder, TEXT("\\pk.ini"));
+    provideFolder(parent);
+    provideFolder(m_jobApplicationFolder);
+    if (!fileExists(m_jobApplicationIni.data())) createDefaultPlotkeeperConfig(m_jobApplicationFolder, m_jobApplicationIni);
+    // The application path loses its last character whatever it is, the others only a backslash: so the partner programs write
+    // and read them.
+    if (const Path data = readPath(m_jobApplicationIni, kUserSetup, TEXT("DataPath")); data[0] != 0)
+        m_jobApplicationFolder = withoutBackslash(data);
+    m_applicationPath = withoutLast(readPath(m_jobApplicationIni, TEXT("AdvancedSetup"), TEXT("ApplicationPath")));
+    m_spoolFolder = withoutBackslash(readPath(m_jobApplicationIni, kUserSetup, TEXT("SpoolPath")));
+    m_workFolder = withoutBackslash(readPath(m_jobApplicationIni, kUserSetup, TEXT("WorkPath")));
+    // The customer's list follows the catalogue's folder, whether or not it exists there.
+    m_coloursGaspen = joined(m_jobApplicationFolder, TEXT("\\ColorsGaspen.xml"));
+    const bool besideTheApplication = fileExists(m_coloursGaspen.data());
+    if (!besideTheApplication) m_coloursGaspen = joined(m_commonFiles, TEXT("\\ColorsGaspen.xml"));
+    m_coloursCustomer = joined(besideTheApplication ? m_jobApplicationFolder : m_commonFiles, TEXT("\\ColorsCustomer.xml"));
+}
+
+void CMvConfig::buildPathDriver() {
+    m_driverDataFolder = joined(m_dataRoot, TEXT("\\PrinterDriver"));
+    const Path version = readPath(m_mainIni, TEXT("PrinterDriver"), TEXT("actVersion"));
+    m_driverVersionFolder = version[0] == 0 ? m_driverDataFolder : joined(m_driverDataFolder, TEXT("\\"), version.data());
+    const Path programs = joined(systemFolder(CSIDL_PROGRAM_FILES), TEXT("\\Morvil"));
+    m_driverProgramFolder = joined(programs, TEXT("\\PrinterDriver"));
+    logState().folder = driverDataFolder();
+    provideFolder(m_driverDataFolder);
+    provideFolder(m_driverVersionFolder);
+    provideFolder(programs);
+    provideFolder(m_driverProgramFolder);
+    m_configurationFile = joined(m_driverDataFolder, TEXT("\\PrinterDriver.xml"));
+    if (m_spoolFolder[0] == 0 || !folderExists(m_spoolFolder.data())) copyText(m_spoolFolder, fallbackSpoolFolder());
+}
+
+WString CMvConfig::fallbackSpoolFolder() const {
+    const Path folder = joined(m_driverDataFolder, TEXT("\\Spool.Default"));
+    provideFolder(folder);
+    return WString(viewOf(folder));
+}
+
+}  // namespace morvil

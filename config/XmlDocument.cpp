@@ -1,0 +1,108 @@
+#include "config/XmlDocument.h"
+
+#include <algorithm>
+#include <new>
+#include <type_traits>
+
+namespace morvil {
+
+// The arena frees its blocks without looking at what lies in them.
+static_assert(std::is_trivially_destructible_v<XmlNode> && std::is_trivially_destructible_v<XmlAttribute>);
+
+namespace {
+
+// The arena's first block; its later ones grow with what is taken. A configuration file needs about four bytes of nodes for
+// each character, a file of noise needs hardly any.
+std::size_t firstBlock(std::size_t characters) { return std::clamp<std::size_t>(characters * 4, 1024, std::size_t{256} * 1024); }
+
+const XmlAttribute* attributeOf(const XmlNode& node, WStringView name) {
+    for (const XmlAttribute& attribute : node.attributes) {
+        if (attribute.name == name) return &attribute;
+    }
+    return nullptr;
+}
+
+bool isElement(const XmlNode& node, WStringView name) { return node.type == XmlType::Element && node.name == name; }
+
+const XmlNode* elementOf(const XmlNode& node, WStringView name) {
+    for (const XmlNode& child : node.children) {
+        if (isElement(child, name)) return &child;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+const XmlNode* findChild(const XmlNode& node, WStringView name) { return elementOf(node, name); }
+XmlNode* findChild(XmlNode& node, WStringView name) { return const_cast<XmlNode*>(elementOf(node, name)); }
+const XmlAttribute* findAttribute(const XmlNode& node, WStringView name) { return attributeOf(node, name); }
+XmlAttribute* findAttribute(XmlNode& node, WStringView name) { return const_cast<XmlAttribute*>(attributeOf(node, name)); }
+
+const XmlNode* nextSameElement(const XmlNode& node) {
+    for (const XmlNode* at = node.next; at != nullptr; at = at->next) {
+        if (at->type == XmlType::Element && at->name == node.name) return at;
+    }
+    return nullptr;
+}
+
+XmlDocument::XmlDocument(WString text) : m_text(std::move(text)), m_arena(firstBlock(m_text.size())) { m_root.type = XmlType::Root; }
+
+void* XmlDocument::take(std::size_t bytes, std::size_t alignment) {
+    try {
+        return m_arena.allocate(bytes, alignment);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+XmlNode* XmlDocument::newNode(XmlType type) {
+    void* const place = take(sizeof(XmlNode), alignof(XmlNode));
+    if (place == nullptr) return nullptr;
+    auto* const node = new (place) XmlNode;
+    node->type = type;
+    return node;
+}
+
+XmlAttribute* XmlDocument::newAttribute(WStringView name, std::optional<WStringView> value) {
+    void* const place = take(sizeof(XmlAttribute), alignof(XmlAttribute));
+    return place == nullptr ? nullptr : new (place) XmlAttribute{name, value, nullptr};
+}
+
+std::span<WCHAR> XmlDocument::room(std::size_t units) {
+    void* const place = take(std::max<std::size_t>(units, 1) * sizeof(WCHAR), alignof(WCHAR));
+    return place == nullptr ? std::span<WCHAR>() : std::span(static_cast<WCHAR*>(place), units);
+}
+
+std::optional<WStringView> XmlDocument::keep(WStringView text) {
+    const std::span<WCHAR> copy = room(text.size());
+    if (copy.data() == nullptr) return std::nullopt;
+    std::copy(text.begin(), text.end(), copy.begin());
+    return WStringView(copy.data(), copy.size());
+}
+
+void XmlDocument::appendChild(XmlNode& node, XmlNode& child) {
+    child.parent = &node;
+    node.children.append(child);
+}
+
+XmlNode* XmlDocument::addChild(XmlNode& node, XmlType type) {
+    XmlNode* const child = newNode(type);
+    if (child != nullptr) appendChild(node, *child);
+    return child;
+}
+
+XmlAttribute* XmlDocument::addAttribute(XmlNode& node, WStringView name) {
+    const std::optional<WStringView> kept = keep(name);
+    XmlAttribute* const attribute = kept ? newAttribute(*kept, std::nullopt) : nullptr;
+    if (attribute != nullptr) node.attributes.append(*attribute);
+    return attribute;
+}
+
+bool XmlDocument::setText(std::optional<WStringView>& target, WStringView text) {
+    const std::optional<WStringView> kept = keep(text);
+    if (!kept) return false;
+    target = kept;
+    return true;
+}
+
+}  // namespace morvil

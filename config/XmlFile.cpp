@@ -1,0 +1,67 @@
+#include "config/XmlFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "platform/common/FileStream.h"
+
+namespace morvil {
+
+namespace {
+
+constexpr std::size_t kPieceBytes = 4095;
+
+bool isUtf16(std::span<const std::uint8_t> piece) { return IsTextUnicode(piece.data(), static_cast<INT>(piece.size()), nullptr) != FALSE; }
+
+}  // namespace
+
+bool readFileBytes(const WCHAR* path, std::uint64_t limit, std::vector<std::uint8_t>& bytes) {
+    bytes.clear();
+    FileStream file;
+    if (!file.open(path, OpenMode::Read)) return false;
+    const std::int64_t size = file.size();
+    if (size < 0 || static_cast<std::uint64_t>(size) > limit) return false;
+    bytes.resize(static_cast<std::size_t>(size));
+    bytes.resize(file.read(bytes));
+    if (file.failed()) bytes.clear();
+    return !file.failed();
+}
+
+WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length) {
+    WString text(bytes.size(), WCHAR{0});  // as much as the widest reading needs: two bytes for each
+    auto* const out = reinterpret_cast<std::uint8_t*>(text.data());
+    std::array<WCHAR, kPieceBytes> widened;
+    length = 0;
+    while (!bytes.empty()) {
+        const auto piece = bytes.first(std::min(kPieceBytes, bytes.size()));
+        bytes = bytes.subspan(piece.size());
+        if (isUtf16(piece)) {
+            std::memcpy(out + length, piece.data(), piece.size());
+            length += piece.size();
+        } else {
+            std::copy(piece.begin(), piece.end(), widened.begin());
+            std::memcpy(out + length, widened.data(), piece.size() * sizeof(WCHAR));
+            length += piece.size() * sizeof(WCHAR);
+        }
+    }
+    text.resize(length / sizeof(WCHAR));
+    return text;
+}
+
+bool loadFile(const WCHAR* path, WString& text, std::size_t& length) {
+    length = 0;
+    text.clear();
+    try {
+        std::vector<std::uint8_t> bytes;
+        if (!readFileBytes(path, std::numeric_limits<INT>::max(), bytes)) return false;
+        text = decodeFileBytes(bytes, length);
+    } catch (const std::bad_alloc&) {
+        length = 0;
+    }
+    return length > 0;
+}
+
+}  // namespace morvil
