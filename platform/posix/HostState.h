@@ -56,6 +56,14 @@ struct SpoolerForm {
     SIZEL size{};  // thousandths of a millimetre
 };
 
+// A value that this process reads from an ini file whatever the file says; the file is not changed.
+struct ProfileOverride {
+    WString file;  // the path as readers give it
+    WString section;
+    WString key;
+    WString value;
+};
+
 class NamedMutex;
 
 struct HostState {
@@ -74,6 +82,9 @@ struct HostState {
     std::vector<SpoolerForm> forms;
     std::optional<std::chrono::system_clock::time_point> fixedTime;  // stops the clock
     std::function<void(WStringView)> debugListener;                  // empty: nobody listens
+
+    std::function<void(WStringView from, WStringView to)> fileMoved;  // told of each file that was renamed; may be empty
+    std::vector<ProfileOverride> profileOverrides;
 
     // Functions of the platform, by name, that fail with the given error number.
     std::map<std::string, DWORD, std::less<>> refusals;

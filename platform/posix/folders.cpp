@@ -55,6 +55,7 @@ BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags) {
         return platformCalls().status(source.c_str(), &status) == 0 ? failWith(ERROR_PATH_NOT_FOUND) : failForPath(source.c_str());
     }
     if ((flags & MOVEFILE_WRITE_THROUGH) != 0 && !flushFolderOf(target.view())) return failWithErrno();
+    if (hostState().fileMoved) hostState().fileMoved(from, to);
     return TRUE;
 }
 

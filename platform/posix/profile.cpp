@@ -162,10 +162,18 @@ UINT numberOf(WStringView text) {
     return negative ? 0U - value : value;
 }
 
+const WString* overriddenValue(LPCWSTR section, LPCWSTR key, LPCWSTR file) {
+    for (const ProfileOverride& entry : hostState().profileOverrides) {
+        if (entry.file == viewOf(file) && entry.section == viewOf(section) && entry.key == viewOf(key)) return &entry.value;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR out, DWORD outCharacters, LPCWSTR file) {
     if (out == nullptr || outCharacters == 0) return 0;
+    if (const WString* const fixed = overriddenValue(section, key, file)) return copyOut(out, outCharacters, *fixed);
     ProfileText profile;
     const bool read = readProfile(file, profile);
     if (read && section == nullptr) return copyList(out, outCharacters, profileSections(profile.text));
@@ -177,6 +185,7 @@ DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValu
 }
 
 UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR file) {
+    if (const WString* const fixed = overriddenValue(section, key, file)) return numberOf(*fixed);
     ProfileText profile;
     if (section == nullptr || key == nullptr || !readProfile(file, profile)) return static_cast<UINT>(defaultValue);
     const auto value = findProfileValue(profile.text, section, key);
