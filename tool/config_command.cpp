@@ -20,7 +20,7 @@ void collect(const XmlNode& node, const std::string& path, std::vector<Line>& li
         lines.emplace_back(name == "value" ? path : path + "@" + name, toUtf8(attribute.value.value_or(WString())));
     }
     for (const auto& child : node.children) {
-        if (child->type == XmlType::Element && child->name) collect(*child, path + "." + toUtf8(*child->name), lines);
+        if (child.type == XmlType::Element && child.name) collect(child, path + "." + toUtf8(*child.name), lines);
     }
 }
 
