@@ -81,7 +81,9 @@ struct CXml::Members {
     std::shared_ptr<const XmlDocument> document;  // null: the file could not be read
     std::shared_ptr<XmlDocument> own;             // the same document, when this object may change it
     const XmlNode* cursor = nullptr;
-    DWORD steps = 0;  // elements that the walk has shown
+    DWORD steps = 0;       // elements that the walk has shown
+    int openChanges = 0;   // nested pairs of beginChanges and endChanges
+    bool changed = false;  // inside of them
 
     void take(std::shared_ptr<XmlDocument> fresh) {
         own = std::move(fresh);
@@ -228,6 +230,20 @@ bool CXml::archive() {
     }
 }
 
+bool CXml::archiveChange() {
+    if (m->openChanges == 0) return archive();
+    m->changed = true;
+    return true;
+}
+
+void CXml::beginChanges() { ++m->openChanges; }
+
+bool CXml::endChanges() {
+    if (--m->openChanges > 0 || !m->changed) return true;
+    m->changed = false;
+    return archive();
+}
+
 bool CXml::createDefault() {
     try {
         auto fresh = std::make_shared<XmlDocument>();
@@ -262,7 +278,7 @@ bool CXml::putItem(const WCHAR* path, const WCHAR* value, const WCHAR* attribute
     } catch (const std::bad_alloc&) {
         return false;
     }
-    return archive();
+    return archiveChange();
 }
 
 bool CXml::removeItem(const WCHAR* path) {
@@ -276,7 +292,7 @@ bool CXml::removeItem(const WCHAR* path) {
     } catch (const std::bad_alloc&) {
         return false;
     }
-    return archive();
+    return archiveChange();
 }
 
 bool CXml::readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute) {

@@ -41,6 +41,10 @@ class CXml {
     bool putItem(const WCHAR* path, const WCHAR* value, const WCHAR* attribute = TEXT("value"));
     // Takes the element out and writes the file. False when there is none.
     bool removeItem(const WCHAR* path);
+    // Between the two, putting and removing change the document alone and succeed when that does; the end of the outermost
+    // pair writes the file once, if anything changed. For whoever changes many items at a time.
+    void beginChanges();
+    bool endChanges();
     bool readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute = TEXT("value"));
 
     // Walks the sibling elements of the named path in document order; the current element, or null at the end.
@@ -52,6 +56,9 @@ class CXml {
 
   private:
     struct Members;
+
+    bool archiveChange();
+
     std::unique_ptr<Members> m;
 };
 
