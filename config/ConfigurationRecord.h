@@ -93,9 +93,12 @@ struct JobIdentification {
     WCHAR formats[kFormatCount][kFormatCharacters];  // executable names, each followed by ";", that select a naming rule
 };
 
+// Settings of the job application that the driver heeds.
+enum JobApplicationFlag : DWORD { kShoulderByIndex = 0x2 };
+
 // Names of the files that go with the driver; folders come from CMvConfig.
 struct FileNames {
-    DWORD jobApplicationFlags;  // settings of the job application; bit 1 (value 2): shoulder by index
+    DWORD jobApplicationFlags;  // JobApplicationFlag bits
     WCHAR processColourIni[16];
     WCHAR templateIni[16];
     WCHAR materialLibrary[16];
@@ -138,7 +141,7 @@ struct ConfigurationRecord {
     WCHAR shoulderName[20];
     LONG shoulderIndex;
     WORD layers;
-    WORD reserved1;
+    WORD colourCount;  // entries of `colours` that the configuration lists; the others are zero
     FLOAT zAdjustment;
     DWORD rotaryEnabled;
     FLOAT rotaryDiameter;
