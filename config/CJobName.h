@@ -1,5 +1,7 @@
 // CJobName.h - gives each print job its name: reduces the document's title by the rule for the printing application, replaces
 // unusable characters and adds a four-digit number when jobs of that name lie in the spool or work folder.
+// One object serves one document; it remembers the name that it gave, so that naming the same job again for its next page
+// counts on. Printing thread only.
 #pragma once
 
 #include <array>
@@ -15,9 +17,10 @@ class CJobName {
 
     // A null record is ignored.
     void setPrinterConfig(const ConfigurationRecord* record);
-    // Works out spool, work and fallback folder.
+    // Works out spool, work and fallback folder. The first naming does it when nobody has before.
     void getDirectories();
-    // The job name for a document title; null stands for a missing title. Valid until the next call.
+    // The job name, at most 49 characters, for a document title; null stands for a missing title. A name that this object
+    // gave last first loses the number that was added then. Valid until the next call.
     const WCHAR* getJobName(const WCHAR* documentName);
     // The base name of a numbered job name ("Plan 0003" gives "Plan").
     static WString withoutNumber(WStringView name);
@@ -30,9 +33,14 @@ class CJobName {
         WString work;
         WString fallback;
     };
+
+    // Reduced by the rule of the printing application, with unusable characters replaced.
+    WString usableName(WStringView title) const;
+    WString GetFileNameFromJobName(WStringView title) const;
+
     Folders m_folders;
     ConfigurationRecord m_config{};
-    std::array<WCHAR, kPathCharacters> m_reduced{};
+    WString m_base;  // the name given last, before a number was added
     std::array<WCHAR, kPathCharacters> m_name{};
 };
 

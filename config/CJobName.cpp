@@ -1,0 +1,100 @@
+#include "config/CJobName.h"
+
+#include <algorithm>
+
+#include "config/CPrinterConfig.h"
+#include "config/JobNameRules.h"
+#include "config/JobNumber.h"
+#include "platform/common/FileStream.h"
+
+namespace morvil {
+
+namespace {
+
+constexpr std::size_t kNumberCharacters = 5;  // a blank and four digits
+constexpr std::size_t kUserCharacters = 100;
+
+template <typename... Args>
+void line(int level, const WCHAR* text, const Args&... arguments) {
+    logMorvil(1, level, text, arguments..., kLogEnd);
+}
+
+WString asFolder(WStringView path) {
+    WString folder(path);
+    if (!folder.empty() && !folder.ends_with('\\')) folder += '\\';
+    return folder;
+}
+
+WString currentUser() {
+    std::array<WCHAR, kUserCharacters + 1> name{};
+    auto characters = static_cast<DWORD>(name.size());
+    return GetUserNameW(name.data(), &characters) != FALSE ? WString(viewOf(name)) : WString();
+}
+
+bool forbiddenInFileNames(WCHAR c) { return c < ' ' || c == 0x7F || WStringView(TEXT("\\/:*?\"<>|")).find(c) != WStringView::npos; }
+
+bool isDigit(WCHAR c) { return c >= '0' && c <= '9'; }
+
+}  // namespace
+
+CJobName::CJobName() = default;
+
+void CJobName::setPrinterConfig(const ConfigurationRecord* record) {
+    if (record != nullptr) m_config = *record;
+}
+
+void CJobName::getDirectories() {
+    const CMvConfig config;
+    m_folders = {asFolder(viewOf(config.spoolFolder())), asFolder(viewOf(config.workFolder())), asFolder(config.fallbackSpoolFolder())};
+    if (!folderExists(config.spoolFolder())) {
+        m_folders.spool = m_folders.fallback;
+        line(kError, TEXT("CJobName::GetDirectories, can't access Spool Directory"));
+    }
+    line(kInformation, TEXT("CJobName::GetDirectories, User=%s, mSpoolDirectory=%s"), currentUser(), m_folders.spool);
+}
+
+const WCHAR* CJobName::getJobName(const WCHAR* documentName) {
+    const WString title(documentName == nullptr ? viewOf(kDefaultJobName) : viewOf(documentName));
+    if (m_folders.spool.empty()) getDirectories();
+    // A name that was given here before is a job name already: only its number is found anew.
+    const bool again = !m_base.empty() && title == viewOf(m_name);
+    if (!again) m_base = usableName(title);
+    if (m_base.empty()) {
+        m_name = {};
+        return m_name.data();
+    }
+    line(kInformation, TEXT("CJobName::GetJobName, Spool=%s, Work=%s"), m_folders.spool, m_folders.work);
+    const int inSpool = nextFreeNumber(m_folders.spool, m_base);
+    const int inWork = nextFreeNumber(m_folders.work, m_base);
+    line(kInformation, TEXT("CJobName::GetJobName, Index1=%d, Index2=%d"), inSpool, inWork);
+    const int number = std::max(inSpool, inWork);
+    copyText(m_name, number == 0 ? m_base.substr(0, kNameCharacters - 1) : numberedName(m_base, number));
+    return m_name.data();
+}
+
+WString CJobName::usableName(WStringView title) const {
+    return replaceUnusable(GetFileNameFromJobName(title.substr(0, kPathCharacters - 1)));
+}
+
+WString CJobName::GetFileNameFromJobName(WStringView title) const {
+    const int format = jobNameFormatOf(m_config.job, m_config.application.name);
+    line(kInformation, TEXT("CJobName::GetFileNameFromJobName, JobNameFormat=%d"), format);
+    return reduceTitle(title, format);
+}
+
+WString CJobName::withoutNumber(WStringView name) {
+    if (name.size() <= kNumberCharacters) return WString(name);
+    const WStringView number = name.substr(name.size() - kNumberCharacters);
+    const bool numbered = number.front() == ' ' && std::ranges::all_of(number.substr(1), isDigit);
+    return WString(numbered ? name.substr(0, name.size() - kNumberCharacters) : name);
+}
+
+WString CJobName::asFileName(WStringView name) {
+    WString file(name);
+    std::ranges::replace_if(file, forbiddenInFileNames, '_');
+    const std::size_t kept = file.find_last_not_of(TEXT(". ")) + 1;  // 0 when there is nothing else
+    std::fill(file.begin() + static_cast<std::ptrdiff_t>(kept), file.end(), WCHAR('_'));
+    return file;
+}
+
+}  // namespace morvil
