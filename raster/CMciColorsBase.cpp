@@ -93,11 +93,11 @@ void CMciColorsBase::readName(const XmlNode& node, CMciColor& colour) {
 // The first name whose language agrees with the wanted one in its first `characters`.
 const XmlNode* CMciColorsBase::findName(const XmlNode& node, std::size_t characters) {
     const WStringView wanted = viewOf(std::span<const WCHAR>(m_language)).substr(0, characters);
-    for (const auto& child : node.children) {
-        if (child->type != XmlType::Element || child->name != WStringView(TEXT("Name"))) continue;
+    for (const XmlNode& child : node.children) {
+        if (child.type != XmlType::Element || child.name != WStringView(TEXT("Name"))) continue;
         std::array<WCHAR, CXml::kValueCharacters> language{};
-        if (!m_document->readAttribute(child.get(), language.data(), TEXT("Lang"))) continue;
-        if (viewOf(std::span<const WCHAR>(language)).substr(0, characters) == wanted) return child.get();
+        if (!m_document->readAttribute(&child, language.data(), TEXT("Lang"))) continue;
+        if (viewOf(std::span<const WCHAR>(language)).substr(0, characters) == wanted) return &child;
     }
     return nullptr;
 }

@@ -1,46 +1,47 @@
-// Workspace.h - what a test of the raster folder works in: an empty data root, a switched-on log, a listener at the debugger
-// output. Gone at the end of the test, together with the files.
+// Workspace.h - what a test of the raster folder works in: an empty data root with the shared folders in it, a switched-on
+// log, a listener at the debugger output. Gone at the end of the test, together with the files.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "driver/log/Log.h"
-#include "platform/common/FileStream.h"
-#include "platform/common/Text.h"
+#include "support/DebugCapture.h"
+#include "support/FailingCalls.h"
+#include "support/LogFiles.h"
+#include "support/TempHome.h"
 
 namespace morvil::test {
 
 class Workspace {
   public:
     Workspace();
-    ~Workspace();
-    Workspace(const Workspace&) = delete;
-    Workspace& operator=(const Workspace&) = delete;
 
     // Texts of log_morvil.txt without their times, in order.
     [[nodiscard]] std::vector<std::string> logLines() const;
     [[nodiscard]] std::size_t countLog(const std::string& text) const;
     // Texts sent to the debugger output, each with its line end.
-    [[nodiscard]] const std::vector<std::string>& debugLines() const { return m_debug; }
-    [[nodiscard]] std::size_t countDebug(const std::string& text) const;
+    [[nodiscard]] const std::vector<std::string>& debugLines() const { return m_debug.texts(); }
+    [[nodiscard]] std::size_t countDebug(const std::string& text) const { return m_debug.count(text); }
     // Debugger texts that begin with `prefix`.
     [[nodiscard]] std::size_t countDebugPrefix(const std::string& prefix) const;
     void forgetTexts();
 
-    static void writeFile(const WString& path, const std::string& bytes);
-    static std::vector<std::uint8_t> readFile(const WString& path);
+    static void writeFile(WStringView path, const std::string& bytes) { writeBytes(path, bytes); }
+    // Empty when the file is missing.
+    static std::vector<std::uint8_t> readFile(WStringView path);
 
     // From now on every write of a file fails as on a full disk; every block of memory is refused.
-    static void failWrites();
-    static void failAllocations();
-    static void endFaults();
+    void failWrites() { m_faults.emplace(1, Fault::Persistent, "write"); }
+    void failAllocations() { m_faults.emplace(1, Fault::Persistent, "allocate"); }
+    void endFaults() { m_faults.reset(); }
 
   private:
-    std::string m_root;
-    LoggingBlock m_logging{};
-    std::vector<std::string> m_debug;
+    TempHome m_home;
+    DebugCapture m_debug;
+    LogFiles m_log;
+    std::optional<FailingCalls> m_faults;
 };
 
 // Bytes of a text file written as UTF-16 with its byte-order mark.

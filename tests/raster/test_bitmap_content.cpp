@@ -54,9 +54,9 @@ TEST_F(BitmapContent, no_memory_no_box) {
     BitmapFile file(kGreyRamp, 4, 4);
     file.put(Bytes(16, 0));
     ContentBox box{1, 2, 3, 4};
-    Workspace::failAllocations();
+    m_workspace.failAllocations();
     EXPECT_FALSE(file.store.GetBoundingBox(box));
-    Workspace::endFaults();
+    m_workspace.endFaults();
     EXPECT_EQ(box.right, 0U);
 }
 
@@ -252,6 +252,6 @@ TEST_F(BitmapContent, whitened_copy_reports_what_goes_wrong) {
     EXPECT_FALSE(file.store.CopyWhitened24BPP(TEXT("C:\\copy.bmp")));
     file.put(Bytes(48));
     EXPECT_TRUE(file.store.CopyWhitened24BPP(TEXT("C:\\copy.bmp")));
-    Workspace::failWrites();
+    m_workspace.failWrites();
     EXPECT_FALSE(file.store.CopyWhitened24BPP(TEXT("C:\\copy.bmp")));
 }

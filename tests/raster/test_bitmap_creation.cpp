@@ -180,7 +180,7 @@ TEST_F(BitmapCreation, failed_write_is_reported) {
     FileStream stream(test::kBitmapPath, OpenMode::Create);
     CBM store;
     store.setStream(&stream);
-    Workspace::failWrites();
+    m_workspace.failWrites();
     EXPECT_FALSE(store.CreateBitmap(kGreyRamp, 4, 4));
     EXPECT_TRUE(stream.failed());
     EXPECT_FALSE(store.Fill(0));
@@ -190,7 +190,7 @@ TEST_F(BitmapCreation, failed_write_is_reported) {
     ASSERT_TRUE(store.Seek(0, 0));
     EXPECT_FALSE(store.SetPixel(0));
     EXPECT_FALSE(store.WriteBitmapPart8BPP(row.data(), 0, 1, 1, 0, 0));
-    Workspace::endFaults();
+    m_workspace.endFaults();
     EXPECT_TRUE(stream.failed());  // until it is opened again
 }
 
@@ -253,8 +253,8 @@ TEST_F(BitmapCreation, fill_of_many_blocks_and_of_rows_beyond_16_bits) {
 
 TEST_F(BitmapCreation, fill_without_memory_does_nothing) {
     BitmapFile file(kGreyRamp, 4, 4);
-    Workspace::failAllocations();
+    m_workspace.failAllocations();
     EXPECT_TRUE(file.store.Fill(kWhite));
-    Workspace::endFaults();
+    m_workspace.endFaults();
     EXPECT_TRUE(file.pixels().empty());
 }

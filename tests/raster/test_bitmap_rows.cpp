@@ -173,10 +173,10 @@ TEST_F(BitmapRows, without_memory_rows_are_not_touched_and_nothing_is_reported) 
     BitmapFile file(kGreyRamp, 4, 1);
     file.put({1, 2, 3, 4});
     Bytes row(4, 0x55);
-    Workspace::failAllocations();
+    m_workspace.failAllocations();
     EXPECT_TRUE(file.store.ReadRow(row.data(), 0, true));
     EXPECT_TRUE(file.store.WriteRow(row.data(), 0, true));
-    Workspace::endFaults();
+    m_workspace.endFaults();
     EXPECT_EQ(row, Bytes(4, 0x55));
     EXPECT_EQ(file.pixels(), (Bytes{1, 2, 3, 4}));
 }

@@ -200,8 +200,9 @@ TEST_F(ProcessColours, largest_counts) {
         SCOPED_TRACE(count);
         writeIni(counted(std::to_string(count), count));
         build();
-        EXPECT_EQ(m_table.entries()[253], 0x0302FDU);
-        EXPECT_EQ(m_table.entries()[254], count == 254 ? 0x0302FDU : 0x0302FEU);
+        EXPECT_EQ(m_table.entries()[252], 0x0302FDU);
+        EXPECT_EQ(m_table.entries()[253], 0x0302FEU);
+        EXPECT_EQ(m_table.entries()[254], count == 254 ? 0x0302FEU : 0x0302FFU);
         EXPECT_EQ(m_table.entries()[255], count == 256 ? 0x030200U : kWhite);
         EXPECT_EQ(m_workspace.countLog("ColorTable validated, Count=" + std::to_string(count)), 1U);
         EXPECT_EQ(m_workspace.countLog("Add last color second time"), doubled);
