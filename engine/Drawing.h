@@ -14,13 +14,14 @@ namespace morvil::engine {
 // A device-independent bitmap with its palette. Rows are as stored; `topDown` tells their order.
 struct Image {
     LONG width = 0;
-    LONG height = 0;  // positive
+    LONG height = 0;       // positive
     int bitsPerPixel = 0;  // 1, 4, 8, 16, 24 or 32
     LONG rowBytes = 0;
     bool topDown = false;
-    std::vector<COLORREF> palette;            // 0x00BBGGRR; for 1, 4 and 8 bits
-    std::array<std::uint32_t, 3> masks{};     // red, green, blue; for 16 and 32 bits
-    std::vector<std::uint8_t> bits;
+    std::vector<COLORREF> palette{};       // 0x00BBGGRR; for 1, 4 and 8 bits
+    std::array<std::uint32_t, 3> masks{};  // red, green, blue; for 16 and 32 bits
+    std::vector<std::uint8_t> bits{};
+    ULONG compression = BI_RGB;  // BI_RLE8 and BI_RLE4: `bits` holds the run lengths, rowBytes does not matter
 };
 
 enum class BrushKind : std::uint8_t { Null, Solid, Hatch, Pattern };
@@ -28,12 +29,12 @@ enum class BrushKind : std::uint8_t { Null, Solid, Hatch, Pattern };
 struct Brush {
     BrushKind kind = BrushKind::Solid;
     COLORREF colour = 0;
-    int hatch = 0;                          // HS_HORIZONTAL (0) to HS_DIAGCROSS (5)
-    std::shared_ptr<const Image> pattern;   // a 1-bit pattern without own colours takes text and background colour
+    int hatch = 0;                         // HS_HORIZONTAL (0) to HS_DIAGCROSS (5)
+    std::shared_ptr<const Image> pattern;  // a 1-bit pattern without own colours takes text and background colour
     bool monochromePattern = false;
-    COLORREF foreground = 0;                // text colour, for monochrome patterns
+    COLORREF foreground = 0;  // text colour, for monochrome patterns
     COLORREF background = 0xFFFFFF;
-    bool transparent = false;               // hatch gaps stay as they are
+    bool transparent = false;  // hatch gaps stay as they are
     POINTL origin{};
 };
 
@@ -41,7 +42,7 @@ struct Pen {
     bool null = false;
     bool geometric = false;  // width in world units and widened; otherwise cosmetic: one device pixel
     double width = 0.0;
-    Brush brush;             // solid for cosmetic pens
+    Brush brush;  // solid for cosmetic pens
     ULONG join = JOIN_ROUND;
     ULONG endCap = ENDCAP_ROUND;
     float miterLimit = 10.0F;

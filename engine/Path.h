@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "platform/platform.h"
@@ -22,7 +23,9 @@ struct Subpath {
 
 class Path {
   public:
+    // Where the next segment begins; no figure exists before its first segment.
     void moveTo(POINTFIX point);
+    // Without a start the segment begins at the first point of the figure closed last, or is of no length at `point`.
     void lineTo(POINTFIX point);
     void bezierTo(POINTFIX control1, POINTFIX control2, POINTFIX end);
     void close();
@@ -36,14 +39,18 @@ class Path {
     [[nodiscard]] bool isEllipse() const { return m_ellipse; }
     // Number of lines and curves, as PATHOBJ::cCurves counts them (a closing line counts when it has a length).
     [[nodiscard]] ULONG curveCount() const;
-    // Smallest box around all points, right and bottom exclusive by one sixteenth; all zero when empty.
+    // Smallest box around all points in sixteenths of a pixel, right and bottom exclusive by one; all zero when empty.
     [[nodiscard]] RECTL bounds() const;
+    // Coordinates stop at the ends of the number range.
     void translate(FIX dx, FIX dy);
     // Curves replaced by lines; the tolerance is in sixteenths of a pixel.
     [[nodiscard]] Path flattened(FIX tolerance = 4) const;
 
   private:
+    Subpath& openFigure(POINTFIX fallback);
+
     std::vector<Subpath> m_subpaths;
+    std::optional<POINTFIX> m_start;  // of a figure that has no segment yet
     bool m_ellipse = false;
 };
 
