@@ -53,7 +53,7 @@ class Parser {
 
     void run() {
         while (m_at < m_text.size()) {
-            if (m_text[m_at] == TEXT('<')) {
+            if (m_text[m_at] == TEXT('<') && opensMarkup(m_at)) {
                 readMarkup();
             } else {
                 readText();
@@ -124,12 +124,23 @@ class Parser {
         if (XmlNode* const node = addNode(type); node != nullptr) node->value = normalised(value);
     }
 
-    // Up to the next "<"; one at the front that opens no markup belongs to the text. Blanks alone make no node.
+    // Whether the "<" at this place opens markup; any other is text.
+    [[nodiscard]] bool opensMarkup(std::size_t at) const {
+        const WCHAR second = unitAt(at + 1);
+        return belongsToName(second) || second == TEXT('/') || second == TEXT('?') || second == TEXT('!');
+    }
+
+    [[nodiscard]] std::size_t endOfText() const {
+        const WStringView ends = inSubset() ? TEXT("<]") : TEXT("<");
+        std::size_t at = m_text.find_first_of(ends, m_at);
+        while (at != WStringView::npos && m_text[at] == TEXT('<') && !opensMarkup(at)) at = m_text.find_first_of(ends, at + 1);
+        return std::min(at, m_text.size());
+    }
+
+    // Up to the next markup. Blanks alone make no node.
     void readText() {
         const std::size_t start = m_at;
-        const std::size_t end =
-            inSubset() ? m_text.find_first_of(TEXT("<]"), m_at + (m_text[m_at] == TEXT('<') ? 1 : 0)) : m_text.find(TEXT('<'), m_at + 1);
-        m_at = std::min(end, m_text.size());
+        m_at = endOfText();
         const WStringView text = m_text.substr(start, m_at - start);
         if (!trimmed(text).empty()) addValueNode(XmlType::Text, text);
         if (inSubset() && unitAt(m_at) == TEXT(']')) leaveSubset();
@@ -140,8 +151,7 @@ class Parser {
         if (belongsToName(second)) return readElement();
         if (second == TEXT('/')) return readClosingTag();
         if (second == TEXT('?')) return readInstruction();
-        if (second == TEXT('!')) return readDeclaration();
-        readText();
+        readDeclaration();
     }
 
     void readElement() {

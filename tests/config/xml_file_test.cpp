@@ -56,12 +56,12 @@ TEST_F(XmlFile, a_read_that_fails_is_a_failure_and_no_short_text) {
 
 TEST_F(XmlFile, single_bytes_become_the_characters_of_the_same_number_and_count_twice) {
     std::string bytes;
-    for (int byte = 255; byte >= 0; --byte) bytes.push_back(static_cast<char>(byte));
+    for (int byte = 1; byte <= 256; ++byte) bytes.push_back(static_cast<char>(byte & 0xFF));
     test::writeBytes(kFile, bytes);
     ASSERT_TRUE(load());
     EXPECT_EQ(m_length, 512U);
     ASSERT_EQ(m_text.size(), 256U);
-    for (std::size_t i = 0; i < 256; ++i) EXPECT_EQ(m_text[i], 255 - i);
+    for (std::size_t i = 0; i < 256; ++i) EXPECT_EQ(m_text[i], (i + 1) & 0xFF);
 }
 
 TEST_F(XmlFile, a_file_longer_than_a_piece_is_put_together) {

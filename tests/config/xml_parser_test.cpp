@@ -28,8 +28,9 @@ constexpr Reading kDamaged[] = {
     {TEXT("\uFEFF"), ""},
     {TEXT("plain"), "text 'plain'\n"},
     {TEXT("<"), "text '<'\n"},
-    {TEXT("<<<"), "text '<'\ntext '<'\ntext '<'\n"},
-    {TEXT("a < b"), "text 'a'\ntext '< b'\n"},
+    {TEXT("<<<"), "text '<<<'\n"},
+    {TEXT("a < b<"), "text 'a < b<'\n"},
+    {TEXT("<!DOCTYPE a [ x < y ]>z"), "doctype a\n  text 'x < y'\ntext 'z'\n"},
     {TEXT("< a/>"), "text '< a/>'\n"},
     {TEXT("</>x"), "text 'x'\n"},
     {TEXT("</a>x"), "text 'x'\n"},
@@ -193,13 +194,14 @@ TEST(XmlParser, a_million_nested_elements_do_not_overflow_the_stack) {
     EXPECT_EQ(deepest(parseXml(types)->root()), 1U);
 }
 
-// Openings that nothing closes are where a parser would look through the rest of the text again and again.
-TEST(XmlParser, fifty_megabytes_of_openings_are_read_in_one_pass) {
+// Openings that nothing closes are where a parser would look through the rest of the text again and again; with millions of
+// them that would not end within a day.
+TEST(XmlParser, millions_of_openings_are_read_in_one_pass) {
     for (const WStringView opening : {TEXT("<!-- "), TEXT("<![CDATA["), TEXT("<?a "), TEXT("<a x='"), TEXT("<!ENTITY \""),
-                                      TEXT("<!DOCTYPE "), TEXT("<! "), TEXT("</a "), TEXT("]]>[<")}) {
+                                      TEXT("<!DOCTYPE "), TEXT("<! "), TEXT("</a "), TEXT("]]>[<"), TEXT("<")}) {
         WString text;
-        text.reserve(25'000'000 + opening.size());
-        while (text.size() < 25'000'000) text += opening;
+        text.reserve(5'000'000 + opening.size());
+        while (text.size() < 5'000'000) text += opening;
         EXPECT_NE(parseXml(std::move(text)), nullptr);
     }
 }
@@ -221,7 +223,7 @@ TEST(XmlParser, noise_made_of_markup_is_read_to_its_end) {
     std::mt19937 random(2);
     for (int round = 0; round < 20'000; ++round) {
         WString text;
-        for (unsigned count = random() % 20; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
+        for (auto count = random() % 20; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
         const auto document = parseXml(text);
         ASSERT_NE(document, nullptr);
         dump(*document);  // checks the parent of every node

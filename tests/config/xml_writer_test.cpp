@@ -70,6 +70,20 @@ TEST(XmlWriter, a_part_of_a_tree_is_written_from_its_own_indentation_on) {
     EXPECT_EQ(written(b, 5, false), "<b><c/></b>");
 }
 
+bool hasNeighbouringTexts(const XmlNode& node) {
+    for (const XmlNode& child : node.children) {
+        if (child.type == XmlType::Text && child.next != nullptr && child.next->type == XmlType::Text) return true;
+        if (hasNeighbouringTexts(child)) return true;
+    }
+    return false;
+}
+
+WString prettyText(const XmlDocument& document) {
+    WString out;
+    writeXml(document.root(), out, 0, true);
+    return out;
+}
+
 TEST(XmlWriter, what_is_written_reads_back_as_the_same_tree) {
     constexpr WStringView kPieces[] = {TEXT("<a>"),
                                        TEXT("</a>"),
@@ -88,11 +102,14 @@ TEST(XmlWriter, what_is_written_reads_back_as_the_same_tree) {
     std::mt19937 random(3);
     for (int round = 0; round < 5'000; ++round) {
         WString text;
-        for (unsigned count = random() % 16; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
+        for (auto count = random() % 16; count > 0; --count) text += kPieces[random() % std::size(kPieces)];
         const auto document = parseXml(text);
-        WString out;
-        writeXml(document->root(), out, 0, true);
-        ASSERT_EQ(parsed(out), dump(*document)) << toUtf8(text);
+        const WString once = prettyText(*document);
+        // Texts between which damage was skipped become one: then the tree is the same from the second time on.
+        if (!hasNeighbouringTexts(document->root())) {
+            ASSERT_EQ(parsed(once), dump(*document)) << toUtf8(text);
+        }
+        ASSERT_EQ(parsed(prettyText(*parseXml(once))), parsed(once)) << toUtf8(text);
     }
 }
 
