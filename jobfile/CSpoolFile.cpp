@@ -1,0 +1,160 @@
+// CSpoolFile.cpp - the life of a job writer and the naming of its file. The other parts of the class: HeaderWriter.cpp,
+// BitmapSection.cpp, VectorCommands.cpp, Completion.cpp.
+#include "jobfile/CSpoolFile.h"
+
+#include "driver/log/Log.h"
+#include "jobfile/JobFileFormat.h"
+#include "jobfile/SpoolFileMembers.h"
+#include "platform/common/Format.h"
+
+namespace morvil {
+
+namespace {
+
+constexpr std::size_t kNumberCharacters = 5;  // a blank and four digits
+constexpr int kLargestNumber = 9999;
+constexpr int kProbeTries = 20;
+constexpr DWORD kProbePause = 5;  // milliseconds
+
+// Whether the folder (with its backslash) takes a new file. The probe is created exclusively, so another process may be at it
+// in the same moment: that is waited for, and when it lasts, the folder evidently takes files. On Windows a probe that is just
+// being removed refuses access for a moment, so a refusal is only believed when it stays.
+bool isWritable(const WString& folder) {
+    const WString probe = format(kProbeFilePath, folder);
+    DWORD error = ERROR_SUCCESS;
+    for (int i = 0; i < kProbeTries; ++i) {
+        const HANDLE file = CreateFileW(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file != INVALID_HANDLE_VALUE) {
+            CloseHandle(file);
+            DeleteFileW(probe.c_str());
+            return true;
+        }
+        error = GetLastError();
+        if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) return false;
+        Sleep(kProbePause);
+    }
+    return error == ERROR_SHARING_VIOLATION;
+}
+
+bool endsWithNumber(WStringView name) {
+    if (name.size() <= kNumberCharacters || name[name.size() - kNumberCharacters] != TEXT(' ')) return false;
+    return name.substr(name.size() - kNumberCharacters + 1).find_first_not_of(TEXT("0123456789")) == WStringView::npos;
+}
+
+// The name with the next number; empty when there is none. Digits that `source` brought along belong to the title and stay.
+WString withNextNumber(const WString& name, const WString& source) {
+    WString base = name;
+    int number = 1;
+    if (endsWithNumber(name) && source.find(name.substr(name.size() - kNumberCharacters)) == WString::npos) {
+        base.resize(name.size() - kNumberCharacters);
+        number = 0;
+        for (const WCHAR digit : name.substr(name.size() - kNumberCharacters + 1)) number = number * 10 + (digit - TEXT('0'));
+        ++number;
+    }
+    if (number > kLargestNumber) return {};
+    return format(TEXT("%s %04d"), WStringView(base).substr(0, kNameCharacters - 1 - kNumberCharacters), number);
+}
+
+WString pathOf(const WString& folder, const WString& jobName, const WCHAR* extension) {
+    return format(TEXT("%s%s.%s"), folder, CJobName::asFileName(jobName), extension);
+}
+
+}  // namespace
+
+CSpoolFile::CSpoolFile() : m(std::make_unique<Members>()) {
+    m->driverVersion = kDefaultDriverVersion;
+    logMorvil(1, kInformation, TEXT("SpoolFile wird gestartet, Spool=%X"), low32(this), kLogEnd);
+}
+
+CSpoolFile::~CSpoolFile() {
+    logMorvil(1, kInformation, TEXT("SpoolFile  wird geschlossen, Spool=%X"), low32(this), kLogEnd);
+    m->discard();
+}
+
+bool CSpoolFile::SetJobName(const WCHAR* name, WCHAR* copyOut) {
+    if (name == nullptr) logMorvil(1, kError, TEXT("CSpoolFile::SetJobName Invalid JobName"), kLogEnd);
+    else logMorvil(1, kInformation, TEXT("CSpoolFile::SetJobName=%s"), name, kLogEnd);
+
+    const bool usesGiven = m->config.job.nameMode == 1 && !m->hasFlag(MV_FL_JOBNAME_FROM_CONFIG);
+    const WString stored(viewOf(m->config.job.name));
+    // The stored name comes back from the instance cut to its buffer.
+    const auto isOurs = [this](WStringView text) {
+        return !m->jobName.empty() && (text == m->jobName || text == WStringView(m->jobName).substr(0, kNameCharacters - 1));
+    };
+    std::optional<WString> source = stored;
+    if (usesGiven) source = name == nullptr ? std::nullopt : std::optional<WString>(name);
+    // A name that this writer made itself is made again from what it was made from, so that numbers do not pile up.
+    if (!source || !isOurs(*source)) m->jobNameSource = source;
+
+    m->naming.getDirectories();
+    const WCHAR* const result = m->naming.getJobName(m->jobNameSource ? m->jobNameSource->c_str() : nullptr);
+    m->jobName = viewOf(result).substr(0, kJobNameCharacters);
+    if (copyOut != nullptr) copyText(std::span<WCHAR>(copyOut, kJobNameCharacters), m->jobName);
+    logMorvil(1, kInformation, TEXT("CSpoolFile::SetJobName result=%s"), m->jobName, kLogEnd);
+    return true;
+}
+
+bool CSpoolFile::SetPrinterConfig(const ConfigurationRecord* config) {
+    logMorvil(1, kInformation, TEXT("SetPrinterConfig pPrinterConfig=%X"), low32(config), kLogEnd);
+    if (config == nullptr) return true;
+    m->config = *config;
+    m->naming.setPrinterConfig(config);
+    return true;
+}
+
+void CSpoolFile::Members::chooseSpoolFolder() {
+    spoolFolder = format(TEXT("%s\\"), folders.spoolFolder());
+    if (isWritable(spoolFolder)) return;
+    logMorvil(1, kError, TEXT("Write acces denied to spool folder"), kLogEnd);
+    spoolFolder = format(TEXT("%s\\"), folders.fallbackSpoolFolder());
+}
+
+bool CSpoolFile::BuildSpoolFileName(const WCHAR* jobName) {
+    logMorvil(1, kInformation, TEXT("BuildSpoolFileName JobName=%s"), jobName, kLogEnd);
+    m->discard();
+    m->jobFile.clear();
+    m->chooseSpoolFolder();
+    logMorvil(1, kInformation, TEXT("SpoolFilepath=%s"), m->spoolFolder, kLogEnd);
+    m->backupFile = format(TEXT("%s%s"), m->spoolFolder, kBackupFileName);
+    const WString asked(viewOf(jobName));  // naming changes the writer's own name, which `jobName` may be
+    SetJobName(jobName);
+    if (jobName == nullptr) {
+        logMorvil(1, kError, TEXT("BuildSpoolFileName JobName Ptr non valid"), kLogEnd);
+        return false;
+    }
+    if (asked.empty() || m->jobName.empty()) {
+        logMorvil(1, kError, TEXT("BuildSpoolFileName JobName Length non valid"), kLogEnd);
+        return false;
+    }
+    if (!m->claimFileName()) return false;
+    logMorvil(1, kInformation, TEXT("SpoolFileName=%s"), m->jobFile, kLogEnd);
+    return true;
+}
+
+// Two processes that name a job in the same moment find the same name free. The one that gets the claim keeps it, the other
+// takes the next number; and a job that was finished between naming and claiming is not replaced either.
+bool CSpoolFile::Members::claimFileName() {
+    while (!jobName.empty()) {
+        const WString path = pathOf(spoolFolder, jobName, kUnfinishedExtension);
+        if (claim.take(path) && !fileExists(pathOf(spoolFolder, jobName, kFinishedExtension).c_str())) {
+            jobFile = path;
+            return true;
+        }
+        jobName = withNextNumber(jobName, jobNameSource.value_or(WString()));
+    }
+    claim.release();
+    return false;
+}
+
+void CSpoolFile::Members::discard() {
+    vectors.close();
+    if (state == JobState::Unfinished) DeleteFileW(jobFile.c_str());
+    state = JobState::None;
+    claim.release();
+}
+
+const WCHAR* CSpoolFile::jobName() const { return m->jobName.c_str(); }
+const WCHAR* CSpoolFile::jobFilePath() const { return m->jobFile.c_str(); }
+const WCHAR* CSpoolFile::finishedFilePath() const { return m->finishedFile.c_str(); }
+
+}  // namespace morvil

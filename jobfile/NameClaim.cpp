@@ -1,0 +1,44 @@
+#include "jobfile/NameClaim.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "platform/common/Format.h"
+
+namespace morvil {
+
+namespace {
+
+constexpr WCHAR kMutexName[] = TEXT("Global\\MORVILJOB%08X%08X");  // the hash's halves
+
+// FNV-1a over the path; upper and lower case are one to the file system. Two paths of one hash only cost a number in a name.
+std::uint64_t hashOf(WStringView path) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (WCHAR unit : path) {
+        if (unit >= TEXT('a') && unit <= TEXT('z')) unit = static_cast<WCHAR>(unit - TEXT('a') + TEXT('A'));
+        hash = (hash ^ static_cast<std::uint64_t>(unit)) * 0x100000001B3U;
+    }
+    return hash;
+}
+
+}  // namespace
+
+bool NameClaim::take(const WString& path) {
+    release();
+    const std::uint64_t hash = hashOf(path);
+    const WString name = format(kMutexName, static_cast<std::uint32_t>(hash >> 32), static_cast<std::uint32_t>(hash));
+    m_mutex = CreateMutexW(nullptr, FALSE, name.c_str());
+    if (m_mutex == nullptr) return GetLastError() != ERROR_ACCESS_DENIED;  // denied: another account's process has it
+    const DWORD result = WaitForSingleObject(m_mutex, 0);
+    if (result != WAIT_TIMEOUT) return true;  // also an abandoned one: its holder is gone
+    CloseHandle(std::exchange(m_mutex, nullptr));
+    return false;
+}
+
+void NameClaim::release() {
+    if (m_mutex == nullptr) return;
+    ReleaseMutex(m_mutex);
+    CloseHandle(std::exchange(m_mutex, nullptr));
+}
+
+}  // namespace morvil
