@@ -129,7 +129,8 @@ bool CSpoolFile::WriteBitmapBand(const std::uint8_t* buffer, std::uint32_t size,
         m->isWhole = false;
         return false;
     }
-    logMorvil(1, kInformation, TEXT("WriteBitmapBand, mEndPosBM (1)=%d, pBuffer=%X, uiBuffSize=%d, uiOffset=%d"), m->bitmapEnd, low32(buffer), size, offset, kLogEnd);
+    logMorvil(1, kInformation, TEXT("WriteBitmapBand, mEndPosBM (1)=%d, pBuffer=%X, uiBuffSize=%d, uiOffset=%d"), m->bitmapEnd,
+              low32(buffer), size, offset, kLogEnd);
     // A band never reaches beyond the section: what lies behind it are the groups that follow.
     const std::int64_t room = m->bitmapEnd - m->bitmapPixel - std::int64_t{offset};
     const auto fitting = static_cast<std::size_t>(std::clamp<std::int64_t>(size, 0, std::max<std::int64_t>(room, 0)));

@@ -1,8 +1,8 @@
 #include "jobfile/CMvPath.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <ctime>
 #include <string_view>
 
 #include "driver/log/Log.h"
@@ -12,9 +12,8 @@ namespace morvil {
 
 namespace {
 
-constexpr WCHAR kPathFile[] = TEXT("%s\\Path.vec");                             // folder
+constexpr WCHAR kPathFile[] = TEXT("%s\\Path.vec");                              // folder
 constexpr WCHAR kPointLine[] = TEXT("Curve=%d;Index=%d;X=%d;Y=%d;Flags=%d;\n");  // curve, index, x, y, flags
-constexpr WCHAR kKeptFile[] = TEXT("%s.%d.%d");                                  // store's path, seconds, first free number
 constexpr std::array<std::string_view, 5> kPrefixes{"Curve=", "Index=", "X=", "Y=", "Flags="};
 
 struct PathLine {
@@ -63,7 +62,8 @@ class LineReader {
 
   private:
     void refill() {
-        std::copy(m_block.begin() + static_cast<std::ptrdiff_t>(m_begin), m_block.begin() + static_cast<std::ptrdiff_t>(m_end), m_block.begin());
+        std::copy(m_block.begin() + static_cast<std::ptrdiff_t>(m_begin), m_block.begin() + static_cast<std::ptrdiff_t>(m_end),
+                  m_block.begin());
         m_end -= m_begin;
         m_begin = 0;
         m_end += m_file.read({reinterpret_cast<std::uint8_t*>(m_block.data()) + m_end, m_block.size() - m_end});
@@ -140,21 +140,6 @@ void CMvPath::resetCounters() {
     m_lastCurve = 0;
     m_isOrdered = true;
     m_cursor.reset();
-}
-
-void CMvPath::finishPath(int diagnosticSwitch) {
-    resetCounters();
-    if (diagnosticSwitch < 1) {
-        DeleteFileW(m_path.c_str());
-        return;
-    }
-    const auto seconds = static_cast<std::int32_t>(std::time(nullptr));
-    for (int number = 1;; ++number) {
-        const WString kept = format(kKeptFile, m_path, seconds, number);
-        if (fileExists(kept.c_str())) continue;
-        MoveFileExW(m_path.c_str(), kept.c_str(), 0);
-        return;
-    }
 }
 
 }  // namespace morvil

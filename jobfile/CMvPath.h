@@ -22,10 +22,8 @@ class CMvPath {
     // Fills both arrays, or with no arrays counts the points of the curve. 1 when at least one was found, else 0.
     // REQUIRES: the arrays hold what counting gave; with `count` beside them, no more than *count points are filled in.
     int getPointsToCurve(int curve, std::int32_t* xs, std::int32_t* ys, std::uint32_t* count);
+    // For the next path, when its predecessor's file has been put away.
     void resetCounters();
-    // Ends the recording of a path: below 1 the file is deleted, else it is kept as "Path.vec.TIME.N" for whoever looks for a
-    // fault. Resets the counters.
-    void finishPath(int diagnosticSwitch);
 
     [[nodiscard]] std::uint32_t pointCount() const { return m_pointCount; }
     [[nodiscard]] int lastCurve() const { return m_lastCurve; }

@@ -41,11 +41,11 @@ bool endsWithNumber(WStringView name) {
     return name.substr(name.size() - kNumberCharacters + 1).find_first_not_of(TEXT("0123456789")) == WStringView::npos;
 }
 
-// The name with the next number; empty when there is none. Digits that `source` brought along belong to the title and stay.
-WString withNextNumber(const WString& name, const WString& source) {
+// The name with the next number; empty when there is none. Digits that the title brought along are no number.
+WString withNextNumber(const WString& name, const WString& title) {
     WString base = name;
     int number = 1;
-    if (endsWithNumber(name) && source.find(name.substr(name.size() - kNumberCharacters)) == WString::npos) {
+    if (endsWithNumber(name) && title.find(name.substr(name.size() - kNumberCharacters)) == WString::npos) {
         base.resize(name.size() - kNumberCharacters);
         number = 0;
         for (const WCHAR digit : name.substr(name.size() - kNumberCharacters + 1)) number = number * 10 + (digit - TEXT('0'));
@@ -72,23 +72,24 @@ CSpoolFile::~CSpoolFile() {
 }
 
 bool CSpoolFile::SetJobName(const WCHAR* name, WCHAR* copyOut) {
-    if (name == nullptr) logMorvil(1, kError, TEXT("CSpoolFile::SetJobName Invalid JobName"), kLogEnd);
-    else logMorvil(1, kInformation, TEXT("CSpoolFile::SetJobName=%s"), name, kLogEnd);
+    if (name == nullptr)
+        logMorvil(1, kError, TEXT("CSpoolFile::SetJobName Invalid JobName"), kLogEnd);
+    else
+        logMorvil(1, kInformation, TEXT("CSpoolFile::SetJobName=%s"), name, kLogEnd);
 
     const bool usesGiven = m->config.job.nameMode == 1 && !m->hasFlag(MV_FL_JOBNAME_FROM_CONFIG);
-    const WString stored(viewOf(m->config.job.name));
-    // The stored name comes back from the instance cut to its buffer.
-    const auto isOurs = [this](WStringView text) {
-        return !m->jobName.empty() && (text == m->jobName || text == WStringView(m->jobName).substr(0, kNameCharacters - 1));
-    };
-    std::optional<WString> source = stored;
-    if (usesGiven) source = name == nullptr ? std::nullopt : std::optional<WString>(name);
-    // A name that this writer made itself is made again from what it was made from, so that numbers do not pile up.
-    if (!source || !isOurs(*source)) m->jobNameSource = source;
+    const WString stored(viewOf(std::span<const WCHAR>(m->config.job.name)));
+    const WCHAR* chosen = usesGiven ? name : stored.c_str();
+    // The writer's own name is named again for the next page: the builder is asked with what it gave, and counts on from there.
+    if (chosen != nullptr && !m->jobName.empty() && m->jobName == chosen)
+        chosen = m->builtName.c_str();
+    else
+        m->title = viewOf(chosen);
 
     m->naming.getDirectories();
-    const WCHAR* const result = m->naming.getJobName(m->jobNameSource ? m->jobNameSource->c_str() : nullptr);
-    m->jobName = viewOf(result).substr(0, kJobNameCharacters);
+    const WString asked(viewOf(chosen));  // `chosen` may be the very text that changes
+    m->builtName = viewOf(m->naming.getJobName(chosen == nullptr ? nullptr : asked.c_str()));
+    m->jobName = m->builtName.substr(0, kJobNameCharacters);
     if (copyOut != nullptr) copyText(std::span<WCHAR>(copyOut, kJobNameCharacters), m->jobName);
     logMorvil(1, kInformation, TEXT("CSpoolFile::SetJobName result=%s"), m->jobName, kLogEnd);
     return true;
@@ -140,7 +141,7 @@ bool CSpoolFile::Members::claimFileName() {
             jobFile = path;
             return true;
         }
-        jobName = withNextNumber(jobName, jobNameSource.value_or(WString()));
+        jobName = withNextNumber(jobName, title);
     }
     claim.release();
     return false;

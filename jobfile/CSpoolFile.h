@@ -43,7 +43,7 @@ class CSpoolFile {
     void Abort();
 
     [[nodiscard]] const WCHAR* jobName() const;
-    [[nodiscard]] const WCHAR* jobFilePath() const;  // while the file is written
+    [[nodiscard]] const WCHAR* jobFilePath() const;       // while the file is written
     [[nodiscard]] const WCHAR* finishedFilePath() const;  // the last file that Complete gave away; empty when none
 
   private:

@@ -19,7 +19,8 @@ struct Channels {
 };
 
 Channels channelsOf(std::uint32_t colour) {
-    return {static_cast<std::int32_t>(colour & 0xFF), static_cast<std::int32_t>((colour >> 8) & 0xFF), static_cast<std::int32_t>((colour >> 16) & 0xFF)};
+    return {static_cast<std::int32_t>(colour & 0xFF), static_cast<std::int32_t>((colour >> 8) & 0xFF),
+            static_cast<std::int32_t>((colour >> 16) & 0xFF)};
 }
 
 void appendNumber(std::string& out, std::int32_t number) {

@@ -43,7 +43,9 @@ void logMode(const ConfigurationRecord& config) {
 }
 
 // The path with its last three characters replaced.
-WString finishedPath(const WString& jobFile) { return jobFile.substr(0, jobFile.size() - (std::size(kUnfinishedExtension) - 1)) + kFinishedExtension; }
+WString finishedPath(const WString& jobFile) {
+    return jobFile.substr(0, jobFile.size() - (std::size(kUnfinishedExtension) - 1)) + kFinishedExtension;
+}
 
 }  // namespace
 
@@ -66,8 +68,10 @@ void CSpoolFile::Members::giveAway() {
     }
     const WString target = finishedPath(jobFile);
     // Replaces a file of that name in one step, so that there is never none.
-    if (MoveFileExW(jobFile.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE) finishedFile = target;
-    else logMorvil(1, kError, TEXT("Error renaming Tsf"), kLogEnd);
+    if (MoveFileExW(jobFile.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE)
+        finishedFile = target;
+    else
+        logMorvil(1, kError, TEXT("Error renaming Tsf"), kLogEnd);
     state = JobState::Finished;
     claim.release();
 }

@@ -1,6 +1,8 @@
 // HeaderWriter.cpp - the header and diagnostic groups, up to the opening of the bitmap section.
 #include <algorithm>
 
+#include "config/CMvFsServices.h"
+#include "config/MvOperatingSystem.h"
 #include "driver/log/Log.h"
 #include "jobfile/CSpoolFile.h"
 #include "jobfile/JobFileFormat.h"
@@ -15,10 +17,12 @@ namespace {
 // Texts come from outside; a line end among them would end the line of the file.
 WString lineText(std::span<const WCHAR> buffer) {
     WString text(viewOf(buffer));
-    std::replace_if(text.begin(), text.end(), [](WCHAR unit) { return unit < TEXT(' '); }, TEXT('_'));
+    std::replace_if(
+        text.begin(), text.end(), [](WCHAR unit) { return unit < TEXT(' '); }, TEXT('_'));
     return text;
 }
 
+constexpr WCHAR kNoVersion[] = TEXT("0.0.0.0");
 constexpr DWORD kShoulderByIndex = 2;  // bit of the job application's flags
 
 WString shoulderName(const ConfigurationRecord& config) {
@@ -29,12 +33,21 @@ WString shoulderName(const ConfigurationRecord& config) {
     return lineText(config.shoulderName);
 }
 
+// The version of the driver file that this machine prints with; a file without one does not count.
+WString installedDriverVersion() {
+    const WString folder = MvOperatingSystem().getPrinterDriverSubPath();
+    if (folder.empty()) return kDefaultDriverVersion;
+    const WString version = CMvFsServices().getFileVersion(format(TEXT("%s\\morvil.dll"), folder).c_str());
+    return version.empty() || version == kNoVersion ? WString(kDefaultDriverVersion) : version;
+}
+
 std::int64_t fileBytes(WStringView text) { return static_cast<std::int64_t>(toFileBytes(text).size()); }
 
 }  // namespace
 
 bool CSpoolFile::WriteHeader() {
-    logMorvil(1, kInformation, TEXT("WriteHeader, PKConfig-Flags=%d, usShoulder=%d"), m->config.files.jobApplicationFlags, m->config.shoulderIndex, kLogEnd);
+    logMorvil(1, kInformation, TEXT("WriteHeader, PKConfig-Flags=%d, usShoulder=%d"), m->config.files.jobApplicationFlags,
+              m->config.shoulderIndex, kLogEnd);
     logMorvil(1, kInformation, TEXT("WriteHeader, JobName=%s"), m->jobName, kLogEnd);
     const WString jobName = m->jobName;
     if (!BuildSpoolFileName(jobName.c_str())) {
@@ -49,6 +62,7 @@ bool CSpoolFile::WriteHeader() {
     }
     m->state = JobState::Unfinished;
 
+    m->driverVersion = installedDriverVersion();
     std::size_t headerStart = 0;
     WString lines = m->headerLines(headerStart);
     m->headerStart = fileBytes(WStringView(lines).substr(0, headerStart));
@@ -75,7 +89,8 @@ WString CSpoolFile::Members::headerLines(std::size_t& headerStartCharacters) con
     headerStartCharacters = lines.size();
 
     lines += format(kTextLine, kProcessModeKeyword, lineText(config.processName));
-    if (config.processMode == kModeStamp || config.processMode == kModeColourStamp) lines += format(kTextLine, kShoulderKeyword, shoulderName(config));
+    if (config.processMode == kModeStamp || config.processMode == kModeColourStamp)
+        lines += format(kTextLine, kShoulderKeyword, shoulderName(config));
     if (config.processMode == kModeLayer) lines += format(kLayerLine, kLayerKeyword, config.layers, config.zAdjustment);
     lines += format(kSizeLine, kSizeKeyword, config.size.width, config.size.height);
     lines += format(kTextLine, kMaterialGroupKeyword, lineText(config.materialGroup));
@@ -102,7 +117,8 @@ void CSpoolFile::Members::appendDiagnosticGroup(WString& lines) const {
         std::uint32_t id = 0;
         MeasurementPoints::Text identifier{};
         if (!MeasurementPoints::isEnabled(config.diagnostic.signals, k) || !points.getId(id)) continue;
-        if (points.getAttribute(TEXT("Identifier"), identifier)) lines += format(kMeasurePointLine, kMeasurePointKeyword, id, lineText(identifier));
+        if (points.getAttribute(TEXT("Identifier"), identifier))
+            lines += format(kMeasurePointLine, kMeasurePointKeyword, id, lineText(identifier));
     }
     lines += format(kTextLine, kEndKeyword, kDiagnosticGroup);
 }

@@ -9,7 +9,9 @@ namespace {
 
 constexpr WCHAR kElements[] = TEXT("MeasurementPoints.MeasurementPoint");
 
-const WCHAR* fileOf(const CMvConfig& folders) { return fileExists(folders.diagnosticsFile()) ? folders.diagnosticsFile() : folders.configurationFile(); }
+const WCHAR* fileOf(const CMvConfig& folders) {
+    return fileExists(folders.diagnosticsFile()) ? folders.diagnosticsFile() : folders.configurationFile();
+}
 
 }  // namespace
 
@@ -38,6 +40,8 @@ bool MeasurementPoints::getId(std::uint32_t& id) {
     return found;
 }
 
-bool MeasurementPoints::getAttribute(const WCHAR* name, Text& value) { return m_element != nullptr && m_document.readAttribute(m_element, value.data(), name); }
+bool MeasurementPoints::getAttribute(const WCHAR* name, Text& value) {
+    return m_element != nullptr && m_document.readAttribute(m_element, value.data(), name);
+}
 
 }  // namespace morvil

@@ -86,7 +86,9 @@ std::uint32_t MvPolygonClipping::setPoints(const std::int32_t* xs, const std::in
     return count;
 }
 
-bool MvPolygonClipping::isInside(const ClipPoint& point) const { return point.x >= 0 && point.x < m_width && point.y >= 0 && point.y < m_height; }
+bool MvPolygonClipping::isInside(const ClipPoint& point) const {
+    return point.x >= 0 && point.x < m_width && point.y >= 0 && point.y < m_height;
+}
 
 // The outline counts as open: the segment from the last point back to the first is never looked at.
 void MvPolygonClipping::clip() {
@@ -164,7 +166,8 @@ void MvPolygonClipping::moveIntersections(DuplicateTest test) {
 std::uint32_t MvPolygonClipping::getCntPolygons() {
     if (!m_isSplit) split();
     debugPrint(TEXT("Count Polygons=%d, Count corrected=%d\n"), m_pieceCount, m_PointsCorrected.size());
-    logMorvil(1, kInformation, TEXT("MvPolygonClipping::getCntPolygons, uiCntPolygons=%d, m_PointsCorrected=%d"), m_pieceCount, m_PointsCorrected.size(), kLogEnd);
+    logMorvil(1, kInformation, TEXT("MvPolygonClipping::getCntPolygons, uiCntPolygons=%d, m_PointsCorrected=%d"), m_pieceCount,
+              m_PointsCorrected.size(), kLogEnd);
     return m_pieceCount;
 }
 
@@ -206,7 +209,8 @@ std::span<const ClipPoint> MvPolygonClipping::getPolygon(std::uint32_t index) co
 
 void MvPolygonClipping::dump() const {
     if (!logEnabled() && !debugOutputWanted()) return;
-    logMorvil(1, kInformation, TEXT("MvPolygonClipping::dump, m_PointsOrg(%d), m_ItPointsCorrected(%d)"), m_PointsOrg.size(), m_PointsCorrected.size(), kLogEnd);
+    logMorvil(1, kInformation, TEXT("MvPolygonClipping::dump, m_PointsOrg(%d), m_ItPointsCorrected(%d)"), m_PointsOrg.size(),
+              m_PointsCorrected.size(), kLogEnd);
     for (std::size_t i = 0; i < std::min(kDumpedPoints, m_PointsOrg.size()); ++i) {
         const ClipPoint& point = m_PointsOrg[i];
         dumpLine(TEXT("Point original (%d), x=%d, y=%d, moved=%d"), i, point.x, point.y, point.moved);

@@ -60,7 +60,7 @@ bool PolygonIndex::rebuild(FileStream& file, std::int64_t start) {
     if (!file.seek(start)) return false;
     std::vector<std::uint8_t> block(kBlockBytes);
     std::string line;
-    std::int64_t place = 0;   // of the line's first byte in the section
+    std::int64_t place = 0;  // of the line's first byte in the section
     bool tooLong = false;
     std::int64_t end = start;
     for (;;) {

@@ -27,8 +27,9 @@ struct CSpoolFile::Members {
     CMvConfig folders;
     CJobName naming;
 
-    WString jobName;                       // at most 50 characters
-    std::optional<WString> jobNameSource;  // what jobName was made from; naming the same job again starts there
+    WString jobName;    // at most 50 characters
+    WString builtName;  // what the name builder gave last; it knows its own name again. Others may hold a claim on it
+    WString title;      // what builtName was made from
     WString driverVersion;
     WString spoolFolder;  // with its backslash
     WString jobFile;

@@ -23,7 +23,9 @@ std::string polygonLine(const std::int32_t* xs, const std::int32_t* ys, std::uin
 std::string_view withoutLineEnd(std::string_view line) { return line.substr(0, line.size() - 2); }
 
 // Coordinates wrap as 32-bit numbers do.
-std::int32_t mirrored(std::uint32_t extent, std::int32_t coordinate) { return static_cast<std::int32_t>(extent - static_cast<std::uint32_t>(coordinate)); }
+std::int32_t mirrored(std::uint32_t extent, std::int32_t coordinate) {
+    return static_cast<std::int32_t>(extent - static_cast<std::uint32_t>(coordinate));
+}
 
 }  // namespace
 
@@ -85,7 +87,8 @@ void CSpoolFile::Members::mirror(std::int32_t* xs, std::int32_t* ys, std::uint32
     }
 }
 
-void CSpoolFile::Members::writeClipped(const std::int32_t* xs, const std::int32_t* ys, std::uint32_t count, std::uint32_t colour, bool checkDuplicates) {
+void CSpoolFile::Members::writeClipped(const std::int32_t* xs, const std::int32_t* ys, std::uint32_t count, std::uint32_t colour,
+                                       bool checkDuplicates) {
     clipper.setJobArea(config.size.pixelWidth, config.size.pixelHeight);
     clipper.setPoints(xs, ys, count);
     if (clipper.getCntPolygons() > 1) logMorvil(1, kNotice, TEXT("WritePolygon, some Polygons have been set tho job boundaries."), kLogEnd);

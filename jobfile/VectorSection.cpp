@@ -89,8 +89,10 @@ bool VectorSection::commit() {
     const std::int64_t newEnd = insertionPlace() + static_cast<std::int64_t>(m_pending.size());
     const bool written = m_file.seek(insertionPlace()) && m_file.write(m_pending);
     const bool isClean = written && m_fileSize == m_end && m_index.fits(m_fileSize);
-    if (isClean) m_index.setFileEnd(newEnd);
-    else m_index.invalidate();
+    if (isClean)
+        m_index.setFileEnd(newEnd);
+    else
+        m_index.invalidate();
     if (written) m_end = newEnd;
     return m_file.close() && written;
 }

@@ -68,8 +68,10 @@ class PlainClipper {
             outside = outside || !inside(point);
             m_original.push_back(point);
         }
-        if (outside) pass();
-        else corrected = {m_original.begin(), m_original.end()};
+        if (outside)
+            pass();
+        else
+            corrected = {m_original.begin(), m_original.end()};
         split();
     }
 
@@ -185,8 +187,10 @@ TEST(Clipping, random_outlines_give_what_the_plain_formulation_gives) {
         for (int i = number(0, 12); i > 0; --i) points.push_back({number(-6, 18), number(-6, 18), false, false});
         clip(clipper, width, height, points);
         const PlainClipper plain(width, height, points);
-        ASSERT_EQ(textOf(pointsOf(clipper.corrected(), true)), textOf(plain.corrected)) << "AREA: " << width << ' ' << height << "\nPOLYGON: " << textOf(points);
-        ASSERT_EQ(piecesText(piecesOf(clipper)), piecesText(plain.pieces)) << "AREA: " << width << ' ' << height << "\nPOLYGON: " << textOf(points);
+        ASSERT_EQ(textOf(pointsOf(clipper.corrected(), true)), textOf(plain.corrected))
+            << "AREA: " << width << ' ' << height << "\nPOLYGON: " << textOf(points);
+        ASSERT_EQ(piecesText(piecesOf(clipper)), piecesText(plain.pieces))
+            << "AREA: " << width << ' ' << height << "\nPOLYGON: " << textOf(points);
     }
 }
 
@@ -223,8 +227,9 @@ TEST(Clipping, logs_an_outline_inside) {
     MvPolygonClipping clipper;
     clip(clipper, 100, 80, {{-1, 5, false, false}, {20, -1, false, false}});
     clipper.getCntPolygons();
-    const std::vector<std::string> expected{"MvPolygonClipping::setPoints, uiCount=2", "MvPolygonClipping::setPoints, -1 corrected", "MvPolygonClipping::setPoints, -1 corrected",
-                                            "MvPolygonClipping::setPoints finished", "MvPolygonClipping::getCntPolygons, uiCntPolygons=1, m_PointsCorrected=2"};
+    const std::vector<std::string> expected{"MvPolygonClipping::setPoints, uiCount=2", "MvPolygonClipping::setPoints, -1 corrected",
+                                            "MvPolygonClipping::setPoints, -1 corrected", "MvPolygonClipping::setPoints finished",
+                                            "MvPolygonClipping::getCntPolygons, uiCntPolygons=1, m_PointsCorrected=2"};
     EXPECT_EQ(log.morvilMessages(), expected);
 }
 
@@ -263,8 +268,10 @@ TEST(Clipping, dumps_at_most_a_hundred_points_of_each_list) {
     points.push_back({200, 5, false, false});
     clip(clipper, 100, 80, points);
     const std::vector<std::string> messages = log.morvilMessages();
-    EXPECT_EQ(std::count_if(messages.begin(), messages.end(), [](const std::string& text) { return text.starts_with("Point original"); }), 100);
-    EXPECT_EQ(std::count_if(messages.begin(), messages.end(), [](const std::string& text) { return text.starts_with("Corrected points"); }), 100);
+    EXPECT_EQ(std::count_if(messages.begin(), messages.end(), [](const std::string& text) { return text.starts_with("Point original"); }),
+              100);
+    EXPECT_EQ(std::count_if(messages.begin(), messages.end(), [](const std::string& text) { return text.starts_with("Corrected points"); }),
+              100);
     EXPECT_TRUE(std::count(messages.begin(), messages.end(), "MvPolygonClipping::dump, m_PointsOrg(151), m_ItPointsCorrected(151)") == 1);
 }
 
@@ -272,7 +279,8 @@ TEST(Clipping, announces_its_life_in_the_debugger_output) {
     const TempHome home;
     const DebugCapture debug;
     { const MvPolygonClipping clipper; }
-    const std::vector<std::string> expected{"MvPolygon::MvPolygon\n", "MvPolygonClipping::MvPolygonClipping finished\n", "MvPolygonClipping::MvPolygonClipping finished\n",
+    const std::vector<std::string> expected{"MvPolygon::MvPolygon\n", "MvPolygonClipping::MvPolygonClipping finished\n",
+                                            "MvPolygonClipping::MvPolygonClipping finished\n",
                                             "MvPolygonClipping::~MvPolygonClipping finished\n"};
     EXPECT_EQ(debug.texts(), expected);
 }

@@ -94,7 +94,9 @@ TEST_F(PathStore, writes_one_line_for_each_point) {
     path.addPoint(0, 10, -20, 1, 0);
     path.addPoint(1, -2147483648, 2147483647, 2, 0);
     path.addPoint(0, 3, 4, -1, 1);
-    EXPECT_EQ(readBytes(kFile), "Curve=0;Index=0;X=10;Y=-20;Flags=1;\r\nCurve=0;Index=1;X=-2147483648;Y=2147483647;Flags=2;\r\nCurve=1;Index=0;X=3;Y=4;Flags=-1;\r\n");
+    EXPECT_EQ(readBytes(kFile),
+              "Curve=0;Index=0;X=10;Y=-20;Flags=1;\r\nCurve=0;Index=1;X=-2147483648;Y=2147483647;Flags=2;\r\nCurve=1;Index=0;X=3;Y=4;Flags="
+              "-1;\r\n");
     EXPECT_EQ(path.pointCount(), 3U);
     EXPECT_EQ(path.lastCurve(), 1);
 }
@@ -134,34 +136,24 @@ TEST_F(PathStore, search_ends_at_the_first_higher_curve) {
 
 TEST_F(PathStore, lines_that_are_no_points_are_passed_over) {
     CMvPath path(kFolder);
-    writeBytes(kFile,
-               "\r\nCurve=1;Index=0;X=1;Y=1;\r\nCurve=1;Index=0;X=7;Y=8;Flags=0;\r\ncurve=1;Index=0;X=1;Y=1;Flags=0;\r\n" + std::string(40000, 'x') +
-                   "\r\nCurve=1;X=0;Index=1;Y=1;Flags=0;\r\nCurve=1;Index=1;X=9;Y=10;Flags=0;\r\nCurve=1;Index=2;X=9;Y");
+    writeBytes(kFile, "\r\nCurve=1;Index=0;X=1;Y=1;\r\nCurve=1;Index=0;X=7;Y=8;Flags=0;\r\ncurve=1;Index=0;X=1;Y=1;Flags=0;\r\n" +
+                          std::string(40000, 'x') +
+                          "\r\nCurve=1;X=0;Index=1;Y=1;Flags=0;\r\nCurve=1;Index=1;X=9;Y=10;Flags=0;\r\nCurve=1;Index=2;X=9;Y");
     EXPECT_EQ(pointsOf(path, 1), (std::vector<std::int32_t>{7, 8, 9, 10}));
 }
 
-TEST_F(PathStore, finishing_deletes_the_file_and_starts_counting_afresh) {
+TEST_F(PathStore, a_path_after_the_reset_starts_from_nothing) {
     CMvPath path(kFolder);
     path.addPoint(0, 1, 2, 0, 3);
-    path.finishPath(0);
-    EXPECT_FALSE(exists(kFile));
+    EXPECT_EQ(countOf(path, 3), 1U);
+    DeleteFileW(path.filePath());
+    path.resetCounters();
     EXPECT_EQ(path.pointCount(), 0U);
     EXPECT_EQ(path.lastCurve(), 0);
     path.addPoint(0, 5, 6, 0, 0);
+    path.addPoint(0, 7, 8, 0, 3);
+    EXPECT_EQ(pointsOf(path, 3), (std::vector<std::int32_t>{7, 8}));
     EXPECT_EQ(pointsOf(path, 0), (std::vector<std::int32_t>{5, 6}));
-}
-
-TEST_F(PathStore, finishing_in_diagnostic_mode_keeps_the_file_under_the_first_free_number) {
-    CMvPath path(kFolder);
-    path.addPoint(0, 1, 2, 0, 0);
-    path.finishPath(1);
-    path.addPoint(0, 3, 4, 0, 0);
-    path.finishPath(1);
-    EXPECT_FALSE(exists(kFile));
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_home.hostPath(kFolder))) names.push_back(entry.path().filename().string());
-    ASSERT_EQ(names.size(), 2U);
-    for (const std::string& name : names) EXPECT_TRUE(name.starts_with("Path.vec.")) << name;
 }
 
 }  // namespace morvil::test

@@ -50,11 +50,16 @@ std::vector<ClippingCase> loadClippingCases(const std::string& file) {
             return cases;
         }
         ClippingCase& current = cases.back();
-        if (key == "AREA:") fields >> current.width >> current.height;
-        else if (key == "POLYGON:") current.polygon = parsePoints(fields);
-        else if (key == "CORRECTED:") current.corrected = parsePoints(fields);
-        else if (key == "PIECE:") current.pieces.push_back(parsePoints(fields));
-        else ADD_FAILURE() << file << ":" << number << ": " << key;
+        if (key == "AREA:")
+            fields >> current.width >> current.height;
+        else if (key == "POLYGON:")
+            current.polygon = parsePoints(fields);
+        else if (key == "CORRECTED:")
+            current.corrected = parsePoints(fields);
+        else if (key == "PIECE:")
+            current.pieces.push_back(parsePoints(fields));
+        else
+            ADD_FAILURE() << file << ":" << number << ": " << key;
     }
     return cases;
 }
