@@ -95,6 +95,7 @@ void resetHostState() {
     state.fixedTime = fresh.fixedTime;
     state.debugListener = fresh.debugListener;
     state.refusals = fresh.refusals;
+    state.mutexes.clear();
     state.impersonation.clear();
 }
 
@@ -111,7 +112,7 @@ Outstanding outstanding() {
         const std::lock_guard guard(state.lock);
         now.libraries = state.libraries.size();
         now.impersonations = state.impersonation.size();
-        for (const auto& [name, mutex] : state.mutexes) mutexes.push_back(mutex.lock());
+        for (const auto& [file, mutex] : state.mutexes) mutexes.push_back(mutex.lock());
     }
     for (const auto& mutex : mutexes) now.heldMutexes += mutex && mutex->isHeld() ? 1 : 0;
     return now;

@@ -92,10 +92,10 @@ struct HostState {
     HandleTable handles;
     std::atomic<std::size_t> blocks = 0;  // taken with LocalAlloc and not freed
 
-    std::mutex lock;                                                    // guards what follows
-    std::map<WString, std::weak_ptr<NamedMutex>, std::less<>> mutexes;  // open in this process, by name
-    std::map<std::int64_t, std::uint32_t> impersonation;                // user number by thread
-    std::map<HMODULE, unsigned> libraries;                              // references by loaded library
+    std::mutex lock;                                           // guards what follows
+    std::map<std::string, std::weak_ptr<NamedMutex>> mutexes;  // open in this process, by lock file
+    std::map<std::int64_t, std::uint32_t> impersonation;       // user number by thread
+    std::map<HMODULE, unsigned> libraries;                     // references by loaded library
 };
 
 HostState& hostState();
