@@ -23,9 +23,9 @@ struct MetafileHeader {
     RECTL frame{};   // 0.01 mm, inclusive
     SIZEL devicePixels{};
     SIZEL deviceMillimetres{};
-    ULONG records = 0;
-    std::string description;
-    bool plusOnly = false;  // holds only the newer plus-form of drawing
+    ULONG records = 0;        // counted, header and end included
+    std::string description;  // application and title as far as given
+    bool plusOnly = false;    // holds only the newer plus-form of drawing
     bool hasPlus = false;
     [[nodiscard]] double widthMillimetres() const;
     [[nodiscard]] double heightMillimetres() const;
@@ -44,10 +44,15 @@ class Metafile {
     MetafileHeader m_header;
 };
 
-// Plays the metafile so that its frame fills `target` (page pixels, edges included).
+class FontLibrary;
+
+// Plays the metafile so that its frame fills `target` (page pixels, edges included: right and bottom name the last pixel).
 class MetafilePage : public PageSource {
   public:
     MetafilePage(std::shared_ptr<const Metafile> metafile, RECTL target);
+    ~MetafilePage() override;
+    MetafilePage(const MetafilePage&) = delete;
+    MetafilePage& operator=(const MetafilePage&) = delete;
     void play(Canvas& canvas) override;
     // Record types met that nothing is done for, with their number, counted over the first play.
     [[nodiscard]] const std::map<ULONG, ULONG>& skipped() const { return m_skipped; }
@@ -57,10 +62,13 @@ class MetafilePage : public PageSource {
   private:
     std::shared_ptr<const Metafile> m_metafile;
     RECTL m_target;
+    std::unique_ptr<FontLibrary> m_fonts;  // kept from band to band
+    bool m_played = false;
     std::map<ULONG, ULONG> m_skipped;
     std::optional<MetafileError> m_damage;
 };
 
+// "EMR_LINETO" for 54; "unknown record" for types that the format does not know.
 const char* recordName(ULONG type);
 
 }  // namespace morvil::engine
