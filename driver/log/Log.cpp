@@ -68,7 +68,24 @@ namespace detail {
 
 constinit LogState theLogState;
 
+namespace {
+
+// A line between a failure and its caller must not hide why it failed.
+class LastErrorKeeper {
+  public:
+    LastErrorKeeper() : m_error(GetLastError()) {}
+    ~LastErrorKeeper() { SetLastError(m_error); }
+    LastErrorKeeper(const LastErrorKeeper&) = delete;
+    LastErrorKeeper& operator=(const LastErrorKeeper&) = delete;
+
+  private:
+    DWORD m_error;
+};
+
+}  // namespace
+
 int writeLogLine(LogFile file, int withTime, int level, const WCHAR* text, std::span<const FormatArg> arguments) {
+    const LastErrorKeeper keeper;
     const LogState& state = logState();
     const LogTarget target = targetOf(file);
     const WString path = format(TEXT("%s\\%s"), state.folder, target.fileName);

@@ -1,6 +1,7 @@
 // Log.h - the diagnostic log: two text files, the debugger output and the debug switches of mvDebug.ini.
 // The only piece of the driver that the lower folders may use; it uses none of them. Printing thread only; no lock, so lines
-// of several processes may interleave in one file. Every call opens and closes its file, nothing is buffered between calls.
+// of several processes may interleave in one file. Every call opens and closes its file, nothing is buffered between calls; the thread's
+// last error stays as it was.
 #pragma once
 
 #include <array>
