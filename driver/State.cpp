@@ -11,7 +11,7 @@ namespace {
 // Logging must still be on while the writer closes, and off before the record that says so is gone.
 class StateHolder {
   public:
-    StateHolder() { logState().settings = &m_state.configuration.logging; }
+    StateHolder() { followLogging(); }
     ~StateHolder() {
         release();
         logState().settings = nullptr;
@@ -26,6 +26,7 @@ class StateHolder {
         RevertToSelf();
         CloseHandle(std::exchange(m_state.impersonationToken, nullptr));
     }
+    void followLogging() { logState().settings = &m_state.configuration.logging; }
     State& get() { return m_state; }
 
   private:
@@ -44,6 +45,7 @@ State& state() { return holder().get(); }
 void resetState() {
     holder().release();
     state() = State{};
+    holder().followLogging();
 }
 
 cColorTable& processColourTable() {

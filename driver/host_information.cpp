@@ -98,12 +98,16 @@ BOOL PrintProcessNameAndID(DWORD processId, std::span<WCHAR> nameOut) {
         logMorvil(1, kError, TEXT("PrintProcessNameAndID hProcess invalid ProcessID=%d"), processId, kLogEnd);
         return FALSE;
     }
+    return logProcess(process.get(), processId, nameOut);
+}
+
+BOOL logProcess(HANDLE process, DWORD processId, std::span<WCHAR> nameOut) {
     HMODULE module = nullptr;
     DWORD bytes = 0;
-    if (EnumProcessModules(process.get(), &module, sizeof(module), &bytes) == FALSE) return FALSE;
+    if (EnumProcessModules(process, &module, sizeof(module), &bytes) == FALSE) return FALSE;
 
     std::array<WCHAR, kProcessNameCharacters> processName{};
-    if (GetModuleBaseNameW(process.get(), module, processName.data(), kProcessNameCharacters) == 0) copyText(processName, kUnknownProcess);
+    if (GetModuleBaseNameW(process, module, processName.data(), kProcessNameCharacters) == 0) copyText(processName, kUnknownProcess);
     std::array<WCHAR, kNameCapacity> userName{};
     DWORD userCharacters = kNameCapacity;
     if (GetUserNameW(userName.data(), &userCharacters) == FALSE) userName[0] = 0;

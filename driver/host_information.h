@@ -21,6 +21,7 @@ void dumpPrinterInformation(HANDLE hPrinter);
 
 // Logs user, executable and owner of a process and hands out the executable's name. False when the process cannot be looked into.
 BOOL PrintProcessNameAndID(DWORD processId, std::span<WCHAR> nameOut);
+BOOL logProcess(HANDLE process, DWORD processId, std::span<WCHAR> nameOut);
 // The same for this process, into the process-wide name.
 void recordCallingProcess();
 

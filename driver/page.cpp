@@ -66,11 +66,7 @@ BOOL startPage(SURFOBJ* pso) {
 }
 
 PageBits processPage(SURFOBJ& surface) {
-    const ConfigurationRecord& configuration = state().configuration;
-    if (configuration.processMode == kModeTest2 && state().spoolFile && surface.pvBits != nullptr) {
-        state().spoolFile->TraceBitmap(static_cast<const std::uint8_t*>(surface.pvBits), static_cast<std::uint32_t>(surface.sizlBitmap.cx),
-                                       static_cast<std::uint32_t>(surface.sizlBitmap.cy), state().uiBandPosition);
-    }
+    if (state().configuration.processMode == kModeTest2) tracePage(surface);
     if (hasFlag(MV_FL_IMAGEOP_COLORADJUSTMENT)) adjustColours(surface);
     if (hasFlag(MV_FL_IMAGEOP_FLIP_HORIZONTAL)) flipHorizontal(surface);
     return hasFlag(kHalftoningBit) ? halftone(surface) : surfaceBits(surface);

@@ -24,6 +24,8 @@ PageBits surfaceBits(const SURFOBJ& surface) {
     return {static_cast<const std::uint8_t*>(surface.pvBits), surface.cjBits, rowBytes};
 }
 
+void tracePage(const SURFOBJ& /*surface*/) {}
+
 void adjustColours(SURFOBJ& surface) {
     logMorvil(1, kInformation, TEXT("DrvSendPage ColorAdjustment"), kLogEnd);
     dumpSurface(surface, TEXT("colorAdjustment_"));

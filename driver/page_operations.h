@@ -17,6 +17,8 @@ struct PageBits {
 };
 PageBits surfaceBits(const SURFOBJ& surface);
 
+// The tracing mode looks for red outlines in the page and makes polygons of them.
+void tracePage(const SURFOBJ& surface);
 void adjustColours(SURFOBJ& surface);
 void flipHorizontal(SURFOBJ& surface);
 // Sets the working configuration's algorithm by process mode first.
