@@ -33,7 +33,26 @@ EngineClip makeClip(const Region& region, const RECTL& surfaceBounds, const RECT
 EnginePath makePath(const Path& path);
 EngineText makeText(const GlyphRun& run);
 
-// A one-pixel line as the engine draws it itself (diamond rule, styles), for strokes that the driver answers FALSE.
+// Stretching with a raster operation, which drivers are never asked for. The target's edges may be reversed.
+struct StretchRequest {
+    SURFOBJ* target = nullptr;
+    SURFOBJ* source = nullptr;
+    SURFOBJ* mask = nullptr;  // one bit: chooses between the codes of `rop4`
+    const CLIPOBJ* clip = nullptr;
+    const XLATEOBJ* translation = nullptr;
+    const COLORADJUSTMENT* adjustment = nullptr;  // for HALFTONE; null: none
+    RECTL targetRectangle{};
+    RECTL sourceRectangle{};
+    POINTL maskOrigin{};  // the mask's pixel that belongs to the upper left of the source rectangle
+    ULONG mode = COLORONCOLOR;
+    ROP4 rop4 = 0xCCCC;
+    const EngineBrush* brush = nullptr;   // needed by codes with a pattern
+    const POINTL* brushOrigin = nullptr;  // also the place of the dither cell
+};
+bool stretchRop(const StretchRequest& request);
+
+// A one-pixel line as the engine draws it itself (diamond rule, styles), for strokes that the driver answers FALSE. The length
+// of a style unit comes from the surface's device.
 void strokeCosmetic(EngineSurface& surface, const Path& path, const EngineClip& clip, const EngineBrush& brush, const Pen& pen, int rop2);
 // The outline of a stroked path: joins, caps and dashes in world units, result in device coordinates, to be filled winding.
 Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice);

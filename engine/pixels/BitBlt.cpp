@@ -20,22 +20,6 @@ RECTL placed(const SURFOBJ& surface, POINTL from, POINTL to) {
     return {clampToLong(dx), clampToLong(dy), clampToLong(dx + surface.sizlBitmap.cx), clampToLong(dy + surface.sizlBitmap.cy)};
 }
 
-// A copy of the part of a surface that a blit onto itself reads, at the same place.
-std::unique_ptr<EngineSurface> snapshot(const EngineSurface& surface) {
-    auto copy = makeSurface({.width = surface.sizlBitmap.cx,
-                             .height = surface.sizlBitmap.cy,
-                             .rowBytes = 0,
-                             .format = surface.iBitmapFormat,
-                             .flags = BMF_TOPDOWN,
-                             .bits = nullptr});
-    if (copy == nullptr) return nullptr;
-    copy->palette = surface.palette;
-    copy->masks = surface.masks;
-    const auto bytes = static_cast<std::size_t>(packedRowBytes(surface.sizlBitmap.cx, bitsOf(surface)));
-    for (LONG y = 0; y < surface.sizlBitmap.cy; ++y) std::copy_n(rowOf(surface, y), bytes, rowOf(*copy, y));
-    return copy;
-}
-
 }  // namespace
 
 BOOL EngBitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source,
@@ -70,7 +54,7 @@ BOOL EngBitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOB
     const bool onItself = usesSource && sourceSurface->pvBits == surface->pvBits;
     std::unique_ptr<EngineSurface> copy;
     if (onItself && rows.rectangles().size() > 1) {
-        copy = snapshot(*sourceSurface);
+        copy = copySurface(*sourceSurface);
         if (copy == nullptr) return FALSE;
         sourceSurface = copy.get();
     }

@@ -6,17 +6,11 @@
 #include <algorithm>
 #include <optional>
 
+#include "engine/pixels/FixedMath.h"
 #include "engine/pixels/Formats.h"
 
 namespace morvil::engine {
 namespace {
-
-LONG ceilPixel(FIX value) { return static_cast<LONG>((static_cast<std::int64_t>(value) + kFixOne - 1) >> 4); }
-
-std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) {
-    const std::int64_t quotient = value / divisor;
-    return value % divisor < 0 ? quotient - 1 : quotient;
-}
 
 // The most frequent path of all: one rectangle along the axes.
 std::optional<RECTL> asRectangle(const Path& path) {
@@ -32,31 +26,13 @@ std::optional<RECTL> asRectangle(const Path& path) {
     return RECTL{ceilPixel(left), ceilPixel(top), ceilPixel(right), ceilPixel(bottom)};
 }
 
-// An edge and where it crosses the current row: `column` is the first pixel whose centre is not to the left of the edge.
+// An edge and where it crosses the current row: the column is the first pixel whose centre is not to the left of the edge.
 struct Edge {
     LONG firstRow;
     LONG endRow;
     int direction;  // 1 when the path runs downwards here
-    std::int64_t column;
-    std::int64_t remainder;  // of the division that gave the column
-    std::int64_t columnStep;
-    std::int64_t remainderStep;
-    std::int64_t divisor;
-
-    void toNextRow() {
-        column += columnStep;
-        remainder += remainderStep;
-        if (remainder < divisor) return;
-        remainder -= divisor;
-        ++column;
-    }
+    SteppedQuotient column;
 };
-
-// Products below stay within 64 bits for points up to 2^25 pixels away; what lies farther is bent, far outside any page.
-POINTFIX withinReach(POINTFIX point) {
-    constexpr FIX kReach = 1 << 29;
-    return {std::clamp(point.x, -kReach, kReach), std::clamp(point.y, -kReach, kReach)};
-}
 
 std::optional<Edge> makeEdge(POINTFIX from, POINTFIX to, const RECTL& area) {
     POINTFIX upper = withinReach(from);
@@ -75,17 +51,7 @@ std::optional<Edge> makeEdge(POINTFIX from, POINTFIX to, const RECTL& area) {
     const std::int64_t divisor = dy * kFixOne;
     const std::int64_t down = static_cast<std::int64_t>(firstRow) * kFixOne - upper.y;
     const std::int64_t crossing = upper.x * dy + dx * down + (divisor - 1);  // rounded up
-    const std::int64_t step = dx * kFixOne;
-    const std::int64_t column = floorDivide(crossing, divisor);
-    const std::int64_t columnStep = floorDivide(step, divisor);
-    return Edge{.firstRow = firstRow,
-                .endRow = endRow,
-                .direction = direction,
-                .column = column,
-                .remainder = crossing - column * divisor,
-                .columnStep = columnStep,
-                .remainderStep = step - columnStep * divisor,
-                .divisor = divisor};
+    return Edge{.firstRow = firstRow, .endRow = endRow, .direction = direction, .column = SteppedQuotient(crossing, dx * kFixOne, divisor)};
 }
 
 std::vector<Edge> edgesOf(const Path& flat, const RECTL& area) {
@@ -104,10 +70,10 @@ std::vector<Edge> edgesOf(const Path& flat, const RECTL& area) {
 // Edges hardly change places from row to row, so insertion is cheap.
 void sortByColumn(std::vector<Edge>& active) {
     for (std::size_t i = 1; i < active.size(); ++i) {
-        if (active[i - 1].column <= active[i].column) continue;
+        if (active[i - 1].column.value() <= active[i].column.value()) continue;
         const Edge moving = active[i];
         std::size_t place = i;
-        for (; place > 0 && active[place - 1].column > moving.column; --place) active[place] = active[place - 1];
+        for (; place > 0 && active[place - 1].column.value() > moving.column.value(); --place) active[place] = active[place - 1];
         active[place] = moving;
     }
 }
@@ -120,7 +86,7 @@ void emitRow(const std::vector<Edge>& active, bool alternate, LONG y, const RECT
         winding += edge.direction;
         const bool isInside = alternate ? (winding & 1) != 0 : winding != 0;
         if (wasInside == isInside) continue;
-        const std::int64_t column = std::clamp<std::int64_t>(edge.column, area.left, area.right);
+        const std::int64_t column = std::clamp<std::int64_t>(edge.column.value(), area.left, area.right);
         if (isInside) {
             begin = column;
         } else if (begin < column) {
@@ -147,7 +113,7 @@ void coverPath(const Path& path, bool alternate, const RECTL& within, const std:
         sortByColumn(active);
         emitRow(active, alternate, y, within, sink);
         std::erase_if(active, [y](const Edge& edge) { return edge.endRow == y + 1; });
-        for (Edge& edge : active) edge.toNextRow();
+        for (Edge& edge : active) edge.column.advance();
     }
 }
 

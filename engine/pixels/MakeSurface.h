@@ -19,6 +19,8 @@ struct SurfaceRequest {
 // Null when the size is not between 1 and 65535 a side, the format has no fixed rows, the rows are too short, or the whole is
 // too large or not to be had.
 std::unique_ptr<EngineSurface> makeSurface(const SurfaceRequest& request);
+// A copy with the same pixels, palette and layout, from the top down; null when there is no memory left.
+std::unique_ptr<EngineSurface> copySurface(const EngineSurface& surface);
 // Gives the surface to the engine's state, where it lives until it is deleted by its handle.
 HSURF keepSurface(std::unique_ptr<EngineSurface> surface);
 

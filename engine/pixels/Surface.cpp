@@ -83,6 +83,21 @@ std::unique_ptr<EngineSurface> makeSurface(const SurfaceRequest& request) {
     return surface;
 }
 
+std::unique_ptr<EngineSurface> copySurface(const EngineSurface& surface) {
+    auto copy = makeSurface({.width = surface.sizlBitmap.cx,
+                             .height = surface.sizlBitmap.cy,
+                             .rowBytes = 0,
+                             .format = surface.iBitmapFormat,
+                             .flags = BMF_TOPDOWN,
+                             .bits = nullptr});
+    if (copy == nullptr) return nullptr;
+    copy->palette = surface.palette;
+    copy->masks = surface.masks;
+    const auto bytes = static_cast<std::size_t>(packedRowBytes(surface.sizlBitmap.cx, bitsOf(surface)));
+    for (LONG y = 0; y < surface.sizlBitmap.cy; ++y) std::copy_n(rowOf(surface, y), bytes, rowOf(*copy, y));
+    return copy;
+}
+
 HSURF keepSurface(std::unique_ptr<EngineSurface> surface) {
     const HSURF handle = surface->hsurf;
     engineState().ownedSurfaces.emplace(handle, std::move(surface));
