@@ -61,11 +61,11 @@ bool HostPath::putBytes(std::string_view bytes) {
 }
 
 bool HostPath::putName(WStringView name) {
-    for (const WCHAR unit : name) {
-        if (unit >= 0x80) return putBytes(toUtf8(name.substr(static_cast<std::size_t>(&unit - name.data()))));
-        if (!put(static_cast<char>(unit))) return false;
+    std::size_t plain = 0;  // characters that stay one byte
+    while (plain < name.size() && name[plain] < 0x80) {
+        if (!put(static_cast<char>(name[plain++]))) return false;
     }
-    return true;
+    return plain == name.size() || putBytes(toUtf8(name.substr(plain)));
 }
 
 void HostPath::dropName() {
