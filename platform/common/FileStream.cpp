@@ -28,7 +28,8 @@ constexpr std::size_t kPiece = std::size_t{1} << 30;
 
 }  // namespace
 
-FileStream::FileStream(FileStream&& other) noexcept : m_handle(std::exchange(other.m_handle, INVALID_HANDLE_VALUE)), m_failed(std::exchange(other.m_failed, false)) {}
+FileStream::FileStream(FileStream&& other) noexcept
+    : m_handle(std::exchange(other.m_handle, INVALID_HANDLE_VALUE)), m_failed(std::exchange(other.m_failed, false)) {}
 
 FileStream& FileStream::operator=(FileStream&& other) noexcept {
     if (this == &other) return *this;
@@ -46,7 +47,8 @@ bool FileStream::open(const WCHAR* path, OpenMode mode) {
         return false;
     }
     const OpenRule rule = ruleOf(mode);
-    m_handle = CreateFileW(path, rule.access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, rule.disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    m_handle = CreateFileW(path, rule.access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, rule.disposition,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
     return isOpen();
 }
 
@@ -83,7 +85,8 @@ bool FileStream::write(std::span<const std::uint8_t> bytes) {
     if (!isOpen()) return false;
     for (std::size_t total = 0; total < bytes.size();) {
         DWORD put = 0;
-        const BOOL done = WriteFile(m_handle, bytes.data() + total, static_cast<DWORD>(std::min(kPiece, bytes.size() - total)), &put, nullptr);
+        const BOOL done =
+            WriteFile(m_handle, bytes.data() + total, static_cast<DWORD>(std::min(kPiece, bytes.size() - total)), &put, nullptr);
         if (done == FALSE || put == 0) {
             m_failed = true;
             return false;
@@ -93,7 +96,9 @@ bool FileStream::write(std::span<const std::uint8_t> bytes) {
     return true;
 }
 
-bool FileStream::write(std::string_view bytes) { return write(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size())); }
+bool FileStream::write(std::string_view bytes) {
+    return write(std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+}
 
 bool FileStream::writeText(WStringView text) { return write(toFileBytes(text)); }
 

@@ -31,7 +31,8 @@ bool isDigit(WCHAR unit) { return unit >= TEXT('0') && unit <= TEXT('9'); }
 
 std::size_t readNumber(WStringView format, std::size_t& at) {
     std::size_t value = 0;
-    for (; at < format.size() && isDigit(format[at]); ++at) value = std::min(kMaxWidth, value * 10 + static_cast<std::size_t>(format[at] - TEXT('0')));
+    for (; at < format.size() && isDigit(format[at]); ++at)
+        value = std::min(kMaxWidth, value * 10 + static_cast<std::size_t>(format[at] - TEXT('0')));
     return value;
 }
 
@@ -56,9 +57,12 @@ Conversion readConversion(WStringView format, std::size_t& at) {
         conversion.precision = static_cast<int>(readNumber(format, at));
     }
     for (; at < format.size(); ++at) {
-        if (format[at] == TEXT('h')) conversion.length = Length::Half;
-        else if (format[at] == TEXT('l')) conversion.length = Length::Long;
-        else if (format[at] != TEXT('w')) break;
+        if (format[at] == TEXT('h'))
+            conversion.length = Length::Half;
+        else if (format[at] == TEXT('l'))
+            conversion.length = Length::Long;
+        else if (format[at] != TEXT('w'))
+            break;
     }
     if (at < format.size()) conversion.letter = format[at++];
     return conversion;
@@ -85,7 +89,9 @@ std::string_view signOf(bool negative, const Conversion& conversion) {
     return conversion.blank ? " " : "";
 }
 
+// A zero with a precision of 0 prints no digit at all.
 std::string withPrecision(std::string_view digits, int precision) {
+    if (precision == 0 && digits == "0") return {};
     const std::size_t wanted = precision < 0 ? 1 : static_cast<std::size_t>(precision);
     std::string out(digits.size() < wanted ? wanted - digits.size() : 0, '0');
     return out.append(digits);
@@ -100,9 +106,11 @@ void appendInteger(WString& out, const Conversion& conversion, std::int64_t valu
     std::array<char, 24> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), printed < 0 ? -printed : printed, hex ? 16 : 10).ptr;
     std::string text = withPrecision({digits.data(), static_cast<std::size_t>(end - digits.data())}, conversion.precision);
-    if (conversion.letter == TEXT('X')) std::transform(text.begin(), text.end(), text.begin(), [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+    if (conversion.letter == TEXT('X'))
+        std::transform(text.begin(), text.end(), text.begin(), [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
     const std::string_view hexPrefix = conversion.letter == TEXT('X') ? "0X" : "0x";
-    const std::string_view prefix = isSigned ? signOf(printed < 0, conversion) : (hex && conversion.alternate && printed != 0 ? hexPrefix : "");
+    const std::string_view prefix =
+        isSigned ? signOf(printed < 0, conversion) : (hex && conversion.alternate && printed != 0 ? hexPrefix : "");
     appendNumber(out, conversion, prefix, text, conversion.zero && conversion.precision < 0);
 }
 
@@ -110,7 +118,8 @@ void appendReal(WString& out, const Conversion& conversion, double value) {
     std::array<char, 512> digits{};
     const int precision = conversion.precision < 0 ? 6 : std::min(conversion.precision, 100);
     const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), std::fabs(value), std::chars_format::fixed, precision);
-    appendNumber(out, conversion, signOf(std::signbit(value), conversion), {digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, conversion.zero && std::isfinite(value));
+    appendNumber(out, conversion, signOf(std::signbit(value), conversion),
+                 {digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, conversion.zero && std::isfinite(value));
 }
 
 void appendText(WString& out, const Conversion& conversion, WStringView text) {
@@ -139,7 +148,9 @@ void appendConversion(WString& out, const Conversion& conversion, const FormatAr
         case TEXT('X'): return appendInteger(out, conversion, argument.integer());
         case TEXT('f'): return appendReal(out, conversion, argument.real());
         case TEXT('c'): {
-            const WCHAR unit = argument.kind() == FormatArg::Kind::Text && !argument.text().empty() ? argument.text().front() : static_cast<WCHAR>(argument.integer());
+            const WCHAR unit = argument.kind() == FormatArg::Kind::Text && !argument.text().empty()
+                                   ? argument.text().front()
+                                   : static_cast<WCHAR>(argument.integer());
             return appendText(out, conversion, WStringView(&unit, 1));
         }
         case TEXT('s'): return appendAsText(out, conversion, argument);

@@ -23,16 +23,22 @@ class FormatArg {
     constexpr FormatArg(T value)  // NOLINT(google-explicit-constructor): arguments convert as printf's do
         : m_kind(Kind::Integer), m_integer(static_cast<std::int64_t>(value)) {}
     template <typename T>
-        requires std::is_enum_v<T>
+    requires std::is_enum_v<T>
     constexpr FormatArg(T value) : m_kind(Kind::Integer), m_integer(static_cast<std::int64_t>(value)) {}  // NOLINT
     constexpr FormatArg(float value) : m_kind(Kind::Real), m_real(value) {}                               // NOLINT
     constexpr FormatArg(double value) : m_kind(Kind::Real), m_real(value) {}                              // NOLINT
-    FormatArg(const WCHAR* text) : m_kind(Kind::Text), m_text(viewOf(text)) {}                            // NOLINT
-    FormatArg(WStringView text) : m_kind(Kind::Text), m_text(text) {}                                     // NOLINT
-    FormatArg(const WString& text) : m_kind(Kind::Text), m_text(text) {}                                  // NOLINT
+    // A null text prints as on the platform.
+    FormatArg(const WCHAR* text)
+        : m_kind(Kind::Text), m_text(text == nullptr ? WStringView(TEXT("(null)")) : WStringView(text)) {}  // NOLINT
+    FormatArg(WStringView text) : m_kind(Kind::Text), m_text(text) {}                                       // NOLINT
+    FormatArg(const WString& text) : m_kind(Kind::Text), m_text(text) {}                                    // NOLINT
 
     [[nodiscard]] Kind kind() const { return m_kind; }
-    [[nodiscard]] std::int64_t integer() const { return m_kind == Kind::Real ? static_cast<std::int64_t>(m_real) : m_integer; }
+    // A real number without its fraction; 0 when no whole number of 64 bits comes near.
+    [[nodiscard]] std::int64_t integer() const {
+        if (m_kind != Kind::Real) return m_integer;
+        return m_real > -9.2e18 && m_real < 9.2e18 ? static_cast<std::int64_t>(m_real) : 0;
+    }
     [[nodiscard]] double real() const { return m_kind == Kind::Real ? m_real : static_cast<double>(m_integer); }
     [[nodiscard]] WStringView text() const { return m_text; }
 

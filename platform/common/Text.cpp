@@ -79,13 +79,15 @@ bool copyText(std::span<WCHAR> buffer, WStringView text) {
 
 std::string toLatin1(WStringView text) {
     std::string bytes(text.size(), '?');
-    std::transform(text.begin(), text.end(), bytes.begin(), [](WCHAR unit) { return unit <= 0xFF ? static_cast<char>(static_cast<unsigned char>(unit)) : '?'; });
+    std::transform(text.begin(), text.end(), bytes.begin(),
+                   [](WCHAR unit) { return unit <= 0xFF ? static_cast<char>(static_cast<unsigned char>(unit)) : '?'; });
     return bytes;
 }
 
 WString fromLatin1(std::string_view bytes) {
     WString text(bytes.size(), WCHAR{0});
-    std::transform(bytes.begin(), bytes.end(), text.begin(), [](char byte) { return static_cast<WCHAR>(static_cast<unsigned char>(byte)); });
+    std::transform(bytes.begin(), bytes.end(), text.begin(),
+                   [](char byte) { return static_cast<WCHAR>(static_cast<unsigned char>(byte)); });
     return text;
 }
 

@@ -60,6 +60,7 @@ bool HostPath::putBytes(std::string_view bytes) {
     return true;
 }
 
+// ASCII goes byte by byte; the rest of a name with other characters is converted in one piece.
 bool HostPath::putName(WStringView name) {
     std::size_t plain = 0;  // characters that stay one byte
     while (plain < name.size() && name[plain] < 0x80) {

@@ -6,9 +6,12 @@ namespace morvil {
 
 NamePattern::NamePattern(WStringView pattern) {
     if (pattern == TEXT("*.*")) pattern = TEXT("*");
+    const bool endsInPoint = pattern.ends_with(TEXT('.'));
+    while (pattern.ends_with(TEXT('.'))) pattern.remove_suffix(1);
     m_items.reserve(pattern.size());
     for (std::size_t i = 0; i < pattern.size(); ++i) {
-        const WCHAR next = i + 1 < pattern.size() ? pattern[i + 1] : WCHAR{0};
+        const WCHAR behindLast = endsInPoint ? TEXT('.') : WCHAR{0};
+        const WCHAR next = i + 1 < pattern.size() ? pattern[i + 1] : behindLast;
         const bool wildNext = next == TEXT('?') || next == TEXT('*');
         switch (pattern[i]) {
             case TEXT('?'): m_items.push_back({Kind::One, 0}); break;

@@ -1,6 +1,7 @@
 // NamePattern.h - the platform's file name patterns: "*" any run, "?" one character or, before a point or at the end, none.
 // "*.*" finds every name; a "*" in front of a point ends at the name's last point; a point in front of "?" or "*" also
-// matches the end of a name. Case does not count. The work grows with pattern times name, whatever the pattern.
+// matches the end of a name; points at the end of a pattern do not count, but "*." finds the names without a point. Case does not
+// count. The work grows with pattern times name, whatever the pattern.
 #pragma once
 
 #include <vector>
