@@ -66,19 +66,6 @@ void readPalette(JobFileReader& reader, const ImageBytes& image, BitmapFacts& fa
     }
 }
 
-// The bytes between the last pixel and the end of each row are 0, and so are the unused bits of the last byte in no rule at all.
-void checkPadding(JobFileReader& reader, const ImageBytes& image, const BitmapFacts& facts) {
-    const std::size_t used = static_cast<std::size_t>((static_cast<std::uint64_t>(facts.width) * static_cast<std::uint32_t>(facts.bitsPerPixel) + 7) / 8);
-    if (used == facts.stride) return;
-    for (std::uint32_t row = 0; row < facts.height; ++row) {
-        const std::size_t at = facts.pixelPosition - facts.position + static_cast<std::size_t>(row) * facts.stride + used;
-        const auto padding = image.part(at, facts.stride - used);
-        if (std::all_of(padding.begin(), padding.end(), [](std::uint8_t byte) { return byte == 0; })) continue;
-        reader.note(facts.position + at, kGroup, "the padding at the end of a row is 0", "row " + std::to_string(row));
-        return;  // one note says it: a surface with dirty padding has it in every row
-    }
-}
-
 void checkAgainstHeader(JobFileReader& reader, const BitmapFacts& facts) {
     const std::string_view size = reader.job().headerValue("Size");
     const std::size_t separator = size.find(';');
@@ -132,7 +119,6 @@ bool readImage(JobFileReader& reader) {
     expect(10, kHeaderBytes + palette, "the pixel data offset is that of header and palette");
     expect(34, facts.imageBytes, "the image size is stride times height");
     readPalette(reader, image, facts, palette);
-    checkPadding(reader, image, facts);
     checkAgainstHeader(reader, facts);
     reader.moveTo(start + static_cast<std::size_t>(total));
     reader.job().bitmap = std::move(facts);
