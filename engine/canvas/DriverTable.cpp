@@ -9,10 +9,11 @@ namespace {
 // The version that the engine announces: that of the systems whose printing it stands in for.
 constexpr ULONG kEngineVersion = 0x00030100;
 
-// The table stores every function under one type; the index says which type it really has.
+// The table stores every function under one type; the index says which type it really has. The step through void(*)() tells
+// the compiler that the change of type is meant.
 template <typename Function>
 void take(Function& slot, PFN function) {
-    slot = reinterpret_cast<Function>(function);
+    slot = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(function));
 }
 
 void takeEntry(DriverTable& table, const DRVFN& entry) {
