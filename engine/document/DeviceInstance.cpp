@@ -31,7 +31,7 @@ bool DeviceInstance::enable() {
         m_reason = "the printer \"" + toUtf8(m_printerName) + "\" cannot be opened";
         return false;
     }
-    m_device = registerDevice();
+    m_device = registerDevice({});
     std::array<HSURF, kPatterns> patterns{};
     DEVMODEW* const devmode = m_devmode.size() >= sizeof(DEVMODEW) ? reinterpret_cast<DEVMODEW*>(m_devmode.data()) : nullptr;
     m_pdev = m_driver.enablePDEV(devmode, nullptr, kPatterns, patterns.data(), sizeof(m_caps), reinterpret_cast<ULONG*>(&m_caps), sizeof(m_info), &m_info,
@@ -40,7 +40,7 @@ bool DeviceInstance::enable() {
         m_reason = "the driver refused the device instance (DrvEnablePDEV)";
         return false;
     }
-    setDevicePalette(m_device, paletteOf(m_info.hpalDefault));
+    *deviceOf(m_device) = {.palette = paletteOf(m_info.hpalDefault), .xStyleStep = m_caps.xStyleStep, .yStyleStep = m_caps.yStyleStep, .denStyleStep = m_caps.denStyleStep};
     m_driver.completePDEV(m_pdev, m_device);
     return checkCaps();
 }
@@ -70,7 +70,7 @@ void DeviceInstance::disableSurface() {
 
 void DeviceInstance::disable() {
     if (m_pdev != nullptr) m_driver.disablePDEV(std::exchange(m_pdev, nullptr));
-    if (m_device != nullptr) releaseDevice(std::exchange(m_device, nullptr));
+    if (m_device != nullptr) unregisterDevice(std::exchange(m_device, nullptr));
     if (m_printer != nullptr) ClosePrinter(std::exchange(m_printer, nullptr));
 }
 

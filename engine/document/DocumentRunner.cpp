@@ -140,9 +140,9 @@ PrintReport printDocument(const PrintRequest& request) {
     if (request.pages.empty()) return {PrintStatus::DriverFailed, "the document has no page", {}};
     const std::optional<DriverTable> driver = enableDriver(request.enableDriver);
     if (!driver) return {PrintStatus::DriverRefused, "the driver could not be enabled (DrvEnableDriver)", {}};
-    setAbortHook(request.abortRequested);
+    engineState().abortRequested = request.abortRequested;
     DocumentRunner(request, *driver, report).run();
-    setAbortHook({});
+    engineState().abortRequested = {};
     driver->disableDriver();
     return report;
 }
