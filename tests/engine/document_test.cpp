@@ -90,7 +90,7 @@ const Refusal kRefusals[] = {
     {"DrvResetPDEV", PrintStatus::DriverFailed, {"DrvDisablePDEV", "DrvEndDoc", "DrvDisableSurface", "DrvDisablePDEV", "DrvDisableDriver"}},
     {"DrvEndDoc", PrintStatus::DriverFailed, {"DrvDisableSurface", "DrvDisablePDEV", "DrvDisableDriver"}},
 };
-INSTANTIATE_TEST_SUITE_P(Calls, RefusedCall, testing::ValuesIn(kRefusals), [](const auto& info) { return std::string(info.param.call); });
+INSTANTIATE_TEST_SUITE_P(Calls, RefusedCall, testing::ValuesIn(kRefusals), [](const auto& tested) { return std::string(tested.param.call); });
 
 TEST_F(Document, failed_document_ends_with_the_abort_flag) {
     driver.refuses = {"DrvSendPage"};
