@@ -77,7 +77,7 @@ class CanvasCalls : public testing::Test {
     PageReport draw(const std::function<void(Canvas&)>& calls) {
         PrintRequest request;
         request.enableDriver = &FakeDriver::enable;
-        request.printerName = TEXT("Morvil Engraver");
+        request.printerName = TEXT("Morvil");
         request.pages.push_back({std::make_shared<Drawing>(calls), std::vector<std::uint8_t>(sizeof(DEVMODEW))});
         const PrintReport report = printDocument(request);
         EXPECT_EQ(report.status, PrintStatus::Done) << report.reason;

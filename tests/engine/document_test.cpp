@@ -27,7 +27,7 @@ class Drawing : public PageSource {
 PrintRequest requestOf(std::vector<Page> pages) {
     PrintRequest request;
     request.enableDriver = &FakeDriver::enable;
-    request.printerName = TEXT("Morvil Engraver");
+    request.printerName = TEXT("Morvil");
     request.documentName = TEXT("Plan");
     request.jobId = 7;
     request.pages = std::move(pages);
@@ -101,7 +101,7 @@ TEST_F(Document, failed_document_ends_with_the_abort_flag) {
 TEST_F(Document, unbanded_pages_come_in_the_documented_order) {
     const PrintReport report = printDocument(requestOf({page(drawing), page(drawing)}));
     EXPECT_EQ(report.status, PrintStatus::Done) << report.reason;
-    EXPECT_THAT(driver.calls, ElementsAre("DrvEnablePDEV printer=Morvil Engraver", "DrvCompletePDEV", "DrvEnableSurface", "DrvStartDoc name=Plan job=7", "DrvStartPage", "DrvSendPage",
+    EXPECT_THAT(driver.calls, ElementsAre("DrvEnablePDEV printer=Morvil", "DrvCompletePDEV", "DrvEnableSurface", "DrvStartDoc name=Plan job=7", "DrvStartPage", "DrvSendPage",
                                           "DrvStartPage", "DrvSendPage", "DrvEndDoc flags=0", "DrvDisableSurface", "DrvDisablePDEV", "DrvDisableDriver"));
     EXPECT_EQ(drawing->plays, 2);
     ASSERT_EQ(report.pages.size(), 2U);
@@ -157,7 +157,7 @@ TEST_F(Document, change_of_paper_makes_a_new_instance_without_a_document_name) {
     const PrintReport report = printDocument(requestOf({page(drawing, 1), page(drawing, 2)}));
     EXPECT_EQ(report.status, PrintStatus::Done) << report.reason;
     const std::vector<std::string> behind(std::find(driver.calls.begin(), driver.calls.end(), "DrvSendPage") + 1, driver.calls.end());
-    EXPECT_THAT(behind, ElementsAre("DrvEnablePDEV printer=Morvil Engraver", "DrvCompletePDEV", "DrvResetPDEV", "DrvDisableSurface", "DrvDisablePDEV", "DrvEnableSurface",
+    EXPECT_THAT(behind, ElementsAre("DrvEnablePDEV printer=Morvil", "DrvCompletePDEV", "DrvResetPDEV", "DrvDisableSurface", "DrvDisablePDEV", "DrvEnableSurface",
                                     "DrvStartDoc name=null job=0", "DrvStartPage", "DrvSendPage", "DrvEndDoc flags=0", "DrvDisableSurface", "DrvDisablePDEV", "DrvDisableDriver"));
 }
 
