@@ -1,5 +1,9 @@
 // strokes.cpp - how strokes reach the driver: as cosmetic lines, as geometric lines where it takes wide ones, else as the fill
 // of their widened outline; curves only where it takes curves. What it answers FALSE the engine draws into the surface.
+#include <algorithm>
+#include <cmath>
+
+#include "engine/EngineState.h"
 #include "engine/Pixels.h"
 #include "engine/canvas/DriverCanvas.h"
 #include "engine/canvas/LineAttributes.h"
@@ -11,6 +15,23 @@ namespace {
 // The low byte is the code for the foreground, the next one for the background.
 MIX mixOf(int rop2) { return static_cast<MIX>(rop2) | (static_cast<MIX>(rop2) << 8); }
 
+// A geometric line up to this many device pixels wide is a line without width: nobody could tell its outline from it, and to
+// a cutting machine it is the path that counts. See docs/engine-choices.md.
+constexpr double kThinnest = 1.5;
+
+double scaleOf(const XFORM& xform) {
+    return std::sqrt(std::fabs(static_cast<double>(xform.eM11) * static_cast<double>(xform.eM22) - static_cast<double>(xform.eM12) * static_cast<double>(xform.eM21)));
+}
+
+// The cosmetic pen that a thin geometric one amounts to; dash lengths go from world units to whole style steps.
+Pen asCosmetic(const Pen& pen, double scale, LONG pixelsPerStep) {
+    Pen thin = pen;
+    thin.geometric = false;
+    thin.width = 1.0;
+    for (float& length : thin.style) length = static_cast<float>(std::max(1.0, std::round(static_cast<double>(length) * scale / pixelsPerStep)));
+    return thin;
+}
+
 // World-to-device transform as a driver sees it: opaque, valid during the call.
 struct EngineXform : XFORMOBJ {
     XFORM worldToDevice{};
@@ -21,8 +42,12 @@ struct EngineXform : XFORMOBJ {
 void DriverCanvas::strokePath(const Path& path, const Pen& pen, const XFORM& worldToDevice, int rop2) {
     if (!ok() || pen.null || path.empty()) return;
     const Path moved = inBand(path);
-    if (pen.geometric) return strokeGeometric(moved, pen, worldToDevice, rop2);
-    strokeThin(moved, pen, rop2);
+    const double scale = scaleOf(worldToDevice);
+    const bool wide = pen.geometric && pen.width * scale > kThinnest;
+    if (wide) return strokeGeometric(moved, pen, worldToDevice, rop2);
+    const Device* const device = deviceOf(m_target.surface->hdev);
+    const LONG pixelsPerStep = device != nullptr && device->xStyleStep > 0 ? std::max(1, device->denStyleStep / device->xStyleStep) : 1;
+    strokeThin(moved, pen.geometric ? asCosmetic(pen, scale, pixelsPerStep) : pen, rop2);
 }
 
 // Offers the stroke, first with its curves where the driver takes curves, then flattened.
@@ -74,7 +99,7 @@ void DriverCanvas::strokeGeometric(const Path& path, const Pen& pen, const XFORM
 }
 
 bool DriverCanvas::offerStrokeAndFill(const Path& path, const Pen& pen, const XFORM& worldToDevice, const Brush& brush, FillMode mode, int rop2) {
-    const bool widthTaken = !pen.geometric || caps(GCAPS_GEOMETRICWIDE);
+    const bool widthTaken = !pen.geometric || pen.width * scaleOf(worldToDevice) <= kThinnest || caps(GCAPS_GEOMETRICWIDE);
     if (!hooked(HOOK_STROKEANDFILLPATH) || m_target.driver->strokeAndFillPath == nullptr || !widthTaken) return false;
     EngineBrush strokeBrush = realizeBrush(*m_target.surface, inBand(pen.brush), false);
     EngineBrush fillBrush = realizeFill(brush);

@@ -159,6 +159,22 @@ TEST_F(CanvasCalls, wide_line_comes_as_the_winding_fill_of_its_outline) {
     EXPECT_EQ(page.strokesByEngine, 1U);
 }
 
+// A geometric line is wide from more than one and a half device pixels on; below, only its path counts.
+TEST_F(CanvasCalls, geometric_line_of_up_to_one_and_a_half_pixels_is_a_thin_line) {
+    const XFORM tenfold{10, 0, 0, 10, 0, 0};
+    Pen dashed = widePen(0.15);
+    dashed.style = {2.0F, 0.1F};
+    draw([&](Canvas& canvas) {
+        canvas.strokePath(line(5, 5, 20, 5), widePen(0.15), tenfold, kCopyPen);
+        canvas.strokePath(line(5, 5, 20, 5), widePen(0.16), tenfold, kCopyPen);
+        canvas.strokePath(line(5, 5, 20, 5), dashed, tenfold, kCopyPen);
+    });
+    ASSERT_EQ(drawn().size(), 3U);
+    EXPECT_NE(drawn()[0].find("line=0 styles=0"), std::string::npos) << drawn()[0];
+    EXPECT_TRUE(drawn()[1].starts_with("DrvFillPath")) << drawn()[1];
+    EXPECT_NE(drawn()[2].find("line=8 styles=2"), std::string::npos) << drawn()[2];
+}
+
 TEST_F(CanvasCalls, wide_line_reaches_a_driver_that_takes_wide_lines_with_its_transform) {
     driver.graphicsCaps |= GCAPS_GEOMETRICWIDE;
     draw([](Canvas& canvas) { canvas.strokePath(line(5, 5, 20, 5), widePen(4), kIdentity, kCopyPen); });
