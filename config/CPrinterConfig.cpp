@@ -13,9 +13,12 @@ namespace morvil {
 
 namespace {
 
+// A file that is there but cannot be opened is neither.
 bool missingOrEmpty(const WCHAR* path) {
     FileStream file(path, OpenMode::Read);
-    return file.isOpen() ? file.size() == 0 : !fileExists(path);
+    if (file.isOpen()) return file.size() == 0;
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
 // What an element name may hold and the file gives back unchanged: Latin-1 letters, digits and a few marks.

@@ -156,8 +156,8 @@ bool CPrinterConfig::setVersion(const WCHAR* version) {
 }
 
 bool CPrinterConfig::setBoundingBoxOffset(const RECT& offset) {
-    const auto& [left, top, right, bottom] = keys::kBoundingBoxOffsets;
     return m->write([&](Items& items) {
+        const auto& [left, top, right, bottom] = keys::kBoundingBoxOffsets;
         return put(items, left, offset.left) && put(items, top, offset.top) && put(items, right, offset.right) &&
                put(items, bottom, offset.bottom);
     });
