@@ -66,7 +66,7 @@ void appendTooLong(WString& line, const WCHAR* text, const WCHAR* function) {
 
 namespace detail {
 
-constinit LogState theLogState;
+LogState theLogState;
 
 namespace {
 

@@ -31,7 +31,7 @@ struct LogState {
     WString baseFolder;  // holds mvDebug.ini; no trailing backslash
 };
 namespace detail {
-extern constinit LogState theLogState;  // reached through logState() alone
+extern LogState theLogState;  // reached through logState() alone; made before main, gone after what was made later
 }
 inline LogState& logState() { return detail::theLogState; }
 

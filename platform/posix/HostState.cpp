@@ -127,9 +127,13 @@ bool refused(std::string_view function) {
     return true;
 }
 
-std::string lockFolder() {
+std::string lockFolderName() {
     const HostState& state = hostState();
-    std::string folder = state.lockFolder.empty() ? state.home + "/.locks" : state.lockFolder;
+    return state.lockFolder.empty() ? state.home + "/.locks" : state.lockFolder;
+}
+
+std::string lockFolder() {
+    std::string folder = lockFolderName();
     return makeFolders(folder) ? folder : std::string();
 }
 

@@ -117,7 +117,9 @@ Outstanding outstanding();
 // The error number that `function` must fail with now, if any; sets it as the last error as well.
 bool refused(std::string_view function);
 
-// Folder of the lock files, made when missing; empty with the last error set when it cannot be made.
+// Folder of the lock files, which need not exist.
+std::string lockFolderName();
+// The same, made when missing; empty with the last error set when it cannot be made.
 std::string lockFolder();
 
 }  // namespace morvil

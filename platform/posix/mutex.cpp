@@ -269,9 +269,7 @@ std::shared_ptr<NamedMutex> objectOf(WStringView name, bool create, bool& existe
         SetLastError(ERROR_INVALID_NAME);
         return nullptr;
     }
-    const std::string folder = lockFolder();
-    if (folder.empty()) return nullptr;
-    const std::string path = folder + '/' + fileNameOf(rest);
+    const std::string path = lockFolderName() + '/' + fileNameOf(rest);
     HostState& state = hostState();
     const std::lock_guard guard(state.lock);
     if (auto open = state.mutexes[path].lock()) {
@@ -279,7 +277,10 @@ std::shared_ptr<NamedMutex> objectOf(WStringView name, bool create, bool& existe
         return open;
     }
     auto made = std::make_shared<FileMutex>(path);
-    if (!made->open(create, existed)) {
+    bool opened = made->open(create, existed);
+    // The first mutex of a data root finds no folder for its file.
+    if (!opened && create && errno == ENOENT) opened = !lockFolder().empty() && made->open(create, existed);
+    if (!opened) {
         failWithErrno();
         return nullptr;
     }
