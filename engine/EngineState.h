@@ -34,6 +34,7 @@ struct EngineState {
     std::unordered_map<HPALETTE, std::shared_ptr<const Palette>> palettes;
     std::unordered_map<HDEV, Device> devices;
     std::unordered_map<HDC, MemoryContext> contexts;
+    HBITMAP stockBitmap = nullptr;                   // stands for the bitmap of a context into which none was selected
     std::function<bool()> abortRequested;            // empty: never
     std::uint64_t maximumSurfaceBytes = 0x7FFFFFFF;  // larger bitmaps are refused, which makes drivers print in bands
     std::uintptr_t lastHandle = 0;

@@ -76,14 +76,41 @@ class ColourRows {
     std::vector<COLORREF> m_entries;
 };
 
+// The source columns in the middle of target columns x0 to x1 - 1, worked out once for the rows of a rectangle.
+class ColumnMap {
+  public:
+    explicit ColumnMap(const StretchAxis& columns) : m_columns(columns) {}
+    void prepare(LONG x0, LONG x1) {
+        if (x0 == m_x0 && x1 == m_x1) return;
+        m_x0 = x0;
+        m_x1 = x1;
+        const auto [first, last] = std::minmax(m_columns.middle(x0), m_columns.middle(x1 - 1));
+        m_first = first;
+        m_count = last - first + 1;
+        m_offsets.clear();
+        for (LONG x = x0; x < x1; ++x) m_offsets.push_back(static_cast<std::uint32_t>(m_columns.middle(x) - first));
+    }
+    [[nodiscard]] LONG first() const { return m_first; }
+    [[nodiscard]] LONG count() const { return m_count; }  // from the first to the last source column
+    // For each target column the distance of its source column from the first.
+    [[nodiscard]] const std::vector<std::uint32_t>& offsets() const { return m_offsets; }
+
+  private:
+    const StretchAxis& m_columns;
+    LONG m_x0 = 0;
+    LONG m_x1 = 0;
+    LONG m_first = 0;
+    LONG m_count = 0;
+    std::vector<std::uint32_t> m_offsets;
+};
+
 // Source columns and rows that exist.
 StretchAxis::Range cut(StretchAxis::Range range, LONG size) { return {std::max<LONG>(range.begin, 0), std::min(range.end, size)}; }
 
 // COLORONCOLOR, and the modes that combine where nothing shrinks: pixels are dropped or repeated.
 class SampledRows : public StretchedRows {
   public:
-    explicit SampledRows(const StretchJob& job)
-        : m_job(job), m_translator(job.source, job.target, job.translation), m_values(static_cast<std::size_t>(job.source.sizlBitmap.cx)) {}
+    explicit SampledRows(const StretchJob& job) : m_job(job), m_translator(job.source, job.target, job.translation), m_map(job.columns) {}
 
     const std::vector<ULONG>& row(LONG y, LONG x0, LONG x1) override {
         const LONG sourceY = m_job.rows.middle(y);
@@ -91,17 +118,19 @@ class SampledRows : public StretchedRows {
         m_lastY = sourceY;
         m_lastX0 = x0;
         m_lastX1 = x1;
-        const auto [first, last] = std::minmax(m_job.columns.middle(x0), m_job.columns.middle(x1 - 1));
-        unpackPixels(rowOf(m_job.source, sourceY), bitsOf(m_job.source), first, last - first + 1, m_values.data());
-        m_translator.apply(m_values.data(), last - first + 1);
-        m_row.clear();
-        for (LONG x = x0; x < x1; ++x) m_row.push_back(m_values[static_cast<std::size_t>(m_job.columns.middle(x) - first)]);
+        m_map.prepare(x0, x1);
+        m_values.resize(static_cast<std::size_t>(m_map.count()));
+        unpackPixels(rowOf(m_job.source, sourceY), bitsOf(m_job.source), m_map.first(), m_map.count(), m_values.data());
+        m_translator.apply(m_values.data(), m_map.count());
+        m_row.resize(m_map.offsets().size());
+        for (std::size_t i = 0; i < m_row.size(); ++i) m_row[i] = m_values[m_map.offsets()[i]];
         return m_row;
     }
 
   private:
     StretchJob m_job;
     PixelTranslator m_translator;
+    ColumnMap m_map;
     std::vector<ULONG> m_values;
     std::vector<ULONG> m_row;
     LONG m_lastY = -1;
@@ -179,7 +208,8 @@ class HalftonedRows : public StretchedRows {
           m_colours(job.source, job.translation),
           m_adjust(job.adjustment),
           m_layout(directLayoutOf(job.target)),
-          m_dithered(entriesOf(job.target)) {}
+          m_dithered(entriesOf(job.target)),
+          m_map(job.columns) {}
 
     const std::vector<ULONG>& row(LONG y, LONG x0, LONG x1) override {
         const bool averages = m_job.columns.shrinks() || m_job.rows.shrinks();
@@ -211,15 +241,15 @@ class HalftonedRows : public StretchedRows {
 
     void readIndexed(LONG y, LONG x0, LONG x1) {
         m_answers.resize(std::size_t{1} << bitsOf(m_job.source));
-        const auto [first, last] = std::minmax(m_job.columns.middle(x0), m_job.columns.middle(x1 - 1));
-        m_line.resize(static_cast<std::size_t>(last - first + 1));
-        unpackPixels(rowOf(m_job.source, m_job.rows.middle(y)), bitsOf(m_job.source), first, last - first + 1, m_line.data());
-        m_row.clear();
-        for (LONG x = x0; x < x1; ++x) {
-            const ULONG value = m_line[static_cast<std::size_t>(m_job.columns.middle(x) - first)];
-            const Answer& answer = answerFor(value);
+        m_map.prepare(x0, x1);
+        m_line.resize(static_cast<std::size_t>(m_map.count()));
+        unpackPixels(rowOf(m_job.source, m_job.rows.middle(y)), bitsOf(m_job.source), m_map.first(), m_map.count(), m_line.data());
+        m_row.resize(m_map.offsets().size());
+        LONG x = x0;
+        for (std::size_t i = 0; i < m_row.size(); ++i, ++x) {
+            const Answer& answer = answerFor(m_line[m_map.offsets()[i]]);
             const std::size_t place = DitheredColour::cellPosition(x - m_job.ditherOrigin.x, y - m_job.ditherOrigin.y);
-            m_row.push_back(m_layout ? answer.value : answer.cell[place]);
+            m_row[i] = m_layout ? answer.value : answer.cell[place];
         }
     }
 
@@ -237,10 +267,10 @@ class HalftonedRows : public StretchedRows {
     }
 
     void readSampled(LONG y, LONG x0, LONG x1) {
-        const auto [first, last] = std::minmax(m_job.columns.middle(x0), m_job.columns.middle(x1 - 1));
-        m_colours.read(m_job.rows.middle(y), first, last + 1, m_line);
-        m_row.clear();
-        for (LONG x = x0; x < x1; ++x) m_row.push_back(m_line[static_cast<std::size_t>(m_job.columns.middle(x) - first)]);
+        m_map.prepare(x0, x1);
+        m_colours.read(m_job.rows.middle(y), m_map.first(), m_map.first() + m_map.count(), m_line);
+        m_row.resize(m_map.offsets().size());
+        for (std::size_t i = 0; i < m_row.size(); ++i) m_row[i] = m_line[m_map.offsets()[i]];
     }
 
     struct Weights {
@@ -306,6 +336,7 @@ class HalftonedRows : public StretchedRows {
     ColourAdjuster m_adjust;
     std::optional<DirectLayout> m_layout;
     DitheredColour m_dithered;
+    ColumnMap m_map;
     std::vector<Answer> m_answers;
     std::vector<Weights> m_columnWeights;
     LONG m_lastX0 = 0;
@@ -318,9 +349,12 @@ class HalftonedRows : public StretchedRows {
 }  // namespace
 
 std::unique_ptr<StretchedRows> makeStretchedRows(const StretchJob& job, ULONG mode) {
-    if (mode == HALFTONE) return std::make_unique<HalftonedRows>(job);
     const bool shrinks = job.columns.shrinks() || job.rows.shrinks();
-    if (mode == COLORONCOLOR || !shrinks) return std::make_unique<SampledRows>(job);
+    // Where nothing changes a colour every pixel value stays what it is, also one whose colour the palette holds twice.
+    const bool sameValues = job.translation != nullptr && (job.translation->flXlate & XO_TRIVIAL) != 0;
+    const bool keepsValues = !shrinks && sameValues && ColourAdjuster(job.adjustment).neutral();
+    if (mode == HALFTONE && !keepsValues) return std::make_unique<HalftonedRows>(job);
+    if (mode == COLORONCOLOR || mode == HALFTONE || !shrinks) return std::make_unique<SampledRows>(job);
     return std::make_unique<CombinedRows>(job, mode == BLACKONWHITE);
 }
 

@@ -55,7 +55,9 @@ EngineXlate makeTranslation(const EngineSurface& target, const EngineSurface& so
             result.table.push_back(targetLayout ? targetLayout->valueOf(colour) : nearestIndex(palette->entries, colour));
         }
     }
-    const bool trivial = !toMono && bitsOf(source) == bitsOf(target) && isIdentity(result.table);
+    // Equal palettes keep every index, also those of colours that they hold twice.
+    const bool samePalette = result.sourcePalette == palette->entries || isIdentity(result.table);
+    const bool trivial = !toMono && bitsOf(source) == bitsOf(target) && samePalette;
     result.flXlate = trivial ? XO_TRIVIAL : (XO_TABLE | (toMono ? XO_TO_MONO : 0U));
     result.cEntries = static_cast<ULONG>(result.table.size());
     result.pulXlate = result.table.data();
