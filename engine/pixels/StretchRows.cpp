@@ -84,7 +84,7 @@ class ColumnMap {
         if (x0 == m_x0 && x1 == m_x1) return;
         m_x0 = x0;
         m_x1 = x1;
-        const auto [first, last] = std::minmax(m_columns.middle(x0), m_columns.middle(x1 - 1));
+        const auto [first, last] = std::minmax({m_columns.middle(x0), m_columns.middle(x1 - 1)});
         m_first = first;
         m_count = last - first + 1;
         m_offsets.clear();

@@ -15,6 +15,9 @@
 namespace morvil::engine {
 namespace {
 
+// AGG keeps chords within an eighth of the unit that its scale is for; device coordinates have sixteenths of a pixel.
+constexpr double kFineness = 4.0;
+
 struct WorldPoint {
     double x;
     double y;
@@ -84,7 +87,8 @@ void addDot(Path& result, const Subpath& figure, const Pen& pen, double width, c
     const WorldPoint centre = transform.toWorld(figure.points[0]);
     const double radius = width / 2.0;
     const bool square = pen.endCap == ENDCAP_SQUARE;
-    const double round = std::ceil(4.0 * std::sqrt(radius * transform.scale()));
+    // Chords that stay within a thirty-second of a pixel, as for round caps.
+    const double round = std::ceil(std::numbers::pi / std::acos(std::max(0.0, 1.0 - 1.0 / (32.0 * radius * transform.scale()))));
     const int corners = square ? 4 : static_cast<int>(std::clamp(round, 8.0, 512.0));
     const double reach = square ? radius * std::numbers::sqrt2 : radius;
     const double turn = square ? std::numbers::pi / 4.0 : 0.0;
@@ -109,7 +113,7 @@ void addOutline(Path& result, Source& source, const Pen& pen, double width, cons
     stroke.line_cap(pen.endCap == ENDCAP_ROUND ? agg::round_cap : pen.endCap == ENDCAP_SQUARE ? agg::square_cap : agg::butt_cap);
     stroke.miter_limit(std::max(1.0, static_cast<double>(pen.miterLimit)));
     stroke.inner_join(agg::inner_round);  // keeps the inside of sharp bends covered
-    stroke.approximation_scale(transform.scale());
+    stroke.approximation_scale(kFineness * transform.scale());
     stroke.rewind(0);
     double x = 0.0;
     double y = 0.0;
@@ -165,7 +169,7 @@ Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice) {
         }
         agg::path_storage world = worldPath(figure, *transform);
         agg::conv_curve<agg::path_storage> curves(world);
-        curves.approximation_scale(transform->scale());
+        curves.approximation_scale(kFineness * transform->scale());
         // A pattern that repeats far below a pixel is solid to the eye and would only take memory.
         constexpr double kMostPeriods = 1e6;
         const bool dashed = !dashes.empty() && deviceLength(figure) / (period * transform->scale()) < kMostPeriods;
