@@ -37,7 +37,7 @@ bool MeasurementPoints::getId(std::uint32_t& id) {
     Text text{};
     const bool found = getAttribute(TEXT("ID"), text);
     id = CMvString().asUnsignedInt(found ? text.data() : nullptr);
-    return found;
+    return found && (id != 0 || viewOf(text.data()) == TEXT("0"));  // 0 also stands for a text that is no number
 }
 
 bool MeasurementPoints::getAttribute(const WCHAR* name, Text& value) {

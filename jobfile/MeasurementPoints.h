@@ -23,7 +23,7 @@ class MeasurementPoints {
 
     bool first();
     bool next();
-    // Of the current element: its number; a text attribute. False when it is missing.
+    // Of the current element: its number; a text attribute. False when it is missing or no number.
     bool getId(std::uint32_t& id);
     bool getAttribute(const WCHAR* name, Text& value);
 
