@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t kNumberCharacters = 5;  // a blank and four digits
 constexpr int kLargestNumber = 9999;
 constexpr int kProbeTries = 20;
+constexpr int kRefusedTries = 5;
 constexpr DWORD kProbePause = 5;  // milliseconds
 
 // Whether the folder (with its backslash) takes a new file. The probe is created exclusively, so another process may be at it
@@ -21,19 +22,18 @@ constexpr DWORD kProbePause = 5;  // milliseconds
 // being removed refuses access for a moment, so a refusal is only believed when it stays.
 bool isWritable(const WString& folder) {
     const WString probe = format(kProbeFilePath, folder);
-    DWORD error = ERROR_SUCCESS;
-    for (int i = 0; i < kProbeTries; ++i) {
+    for (int i = 1;; ++i) {
         const HANDLE file = CreateFileW(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (file != INVALID_HANDLE_VALUE) {
             CloseHandle(file);
             DeleteFileW(probe.c_str());
             return true;
         }
-        error = GetLastError();
-        if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) return false;
+        const DWORD error = GetLastError();
+        if (error == ERROR_SHARING_VIOLATION && i == kProbeTries) return true;
+        if (error != ERROR_SHARING_VIOLATION && (error != ERROR_ACCESS_DENIED || i >= kRefusedTries)) return false;
         Sleep(kProbePause);
     }
-    return error == ERROR_SHARING_VIOLATION;
 }
 
 bool endsWithNumber(WStringView name) {

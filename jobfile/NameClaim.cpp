@@ -21,6 +21,14 @@ std::uint64_t hashOf(WStringView path) {
     return hash;
 }
 
+// Whether the system denies every mutex, not just one that a process of another account holds.
+bool deniesAll(const WString& name) {
+    const HANDLE own = CreateMutexW(nullptr, FALSE, format(TEXT("%s-%u"), name, GetCurrentProcessId()).c_str());
+    if (own == nullptr) return true;
+    CloseHandle(own);
+    return false;
+}
+
 }  // namespace
 
 bool NameClaim::take(const WString& path) {
@@ -28,7 +36,7 @@ bool NameClaim::take(const WString& path) {
     const std::uint64_t hash = hashOf(path);
     const WString name = format(kMutexName, static_cast<std::uint32_t>(hash >> 32), static_cast<std::uint32_t>(hash));
     m_mutex = CreateMutexW(nullptr, FALSE, name.c_str());
-    if (m_mutex == nullptr) return GetLastError() != ERROR_ACCESS_DENIED;  // denied: another account's process has it
+    if (m_mutex == nullptr) return GetLastError() != ERROR_ACCESS_DENIED || deniesAll(name);
     const DWORD result = WaitForSingleObject(m_mutex, 0);
     if (result != WAIT_TIMEOUT) return true;  // also an abandoned one: its holder is gone
     CloseHandle(std::exchange(m_mutex, nullptr));

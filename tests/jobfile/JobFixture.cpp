@@ -22,7 +22,8 @@ WString JobFixture::inSpool(WStringView file) const { return format(TEXT("%s\\%s
 
 std::vector<std::string> JobFixture::spoolFiles() const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_home.hostPath(m_spool))) names.push_back(entry.path().filename().string());
+    for (const auto& entry : std::filesystem::directory_iterator(m_home.hostPath(m_spool)))
+        names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -113,8 +114,9 @@ std::string littleEndian(std::uint32_t value, std::size_t bytes) {
 
 std::string smallImage(const std::string& rows) {
     const std::string palette("\x00\x00\x00\x00\xFF\xFF\xFF\x00", 8);
-    return "BM" + littleEndian(54 + 8 + 8, 4) + littleEndian(0, 4) + littleEndian(62, 4) + littleEndian(40, 4) + littleEndian(9, 4) + littleEndian(2, 4) +
-           littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(0, 4) + littleEndian(8, 4) + std::string(16, '\0') + palette + rows;
+    return "BM" + littleEndian(54 + 8 + 8, 4) + littleEndian(0, 4) + littleEndian(62, 4) + littleEndian(40, 4) + littleEndian(9, 4) +
+           littleEndian(2, 4) + littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(0, 4) + littleEndian(8, 4) + std::string(16, '\0') +
+           palette + rows;
 }
 
 }  // namespace morvil::test

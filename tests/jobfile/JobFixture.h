@@ -5,8 +5,8 @@
 
 #include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -39,7 +39,7 @@ class JobFixture : public testing::Test {
     // The unfinished file of a writer.
     [[nodiscard]] static std::string bytesOf(const CSpoolFile& writer) { return readBytes(writer.jobFilePath()); }
     // The header lines of a job of `config` under that name, up to and with "<EndGroup: Header>".
-    [[nodiscard]] std::string headerOf(const ConfigurationRecord& record);
+    std::string headerOf(const ConfigurationRecord& record);
 
     const TempHome m_home;
     LogFiles m_log;

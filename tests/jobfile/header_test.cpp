@@ -27,7 +27,9 @@ bool hasLine(const std::string& text, const std::string& line) {
 
 bool hasKeyword(const std::string& text, const std::string& keyword) { return text.find("<" + keyword) != std::string::npos; }
 
-void enablePoint(ConfigurationRecord& config, int k) { config.diagnostic.signals[k / 8] = static_cast<BYTE>(config.diagnostic.signals[k / 8] | (1 << (k % 8))); }
+void enablePoint(ConfigurationRecord& config, int k) {
+    config.diagnostic.signals[k / 8] = static_cast<BYTE>(config.diagnostic.signals[k / 8] | (1 << (k % 8)));
+}
 
 }  // namespace
 
@@ -89,10 +91,12 @@ TEST_F(JobHeader, process_modes_write_their_name_and_their_own_lines) {
         bool shoulder;
         bool layer;
     };
-    for (const Case& given : {Case{1000, "Standard", false, false}, Case{2000, "Stamp", true, false}, Case{3000, "ColourStamp", true, false},
-                              Case{4000, "Relief", false, false}, Case{5000, "Layer", false, true}, Case{6000, "Test 1 (s/w)", false, false},
-                              Case{7000, "Test 2 (Tracer)", false, false}, Case{8000, "Test 3 (Banding)", false, false}, Case{9000, "Test 4 (F/S)", false, false},
-                              Case{10000, "Test 5 (Jarvis)", false, false}, Case{11000, "Test 6 (Stucki)", false, false}, Case{12000, "Test 7 (Burkes)", false, false}}) {
+    for (const Case& given :
+         {Case{1000, "Standard", false, false}, Case{2000, "Stamp", true, false}, Case{3000, "ColourStamp", true, false},
+          Case{4000, "Relief", false, false}, Case{5000, "Layer", false, true}, Case{6000, "Test 1 (s/w)", false, false},
+          Case{7000, "Test 2 (Tracer)", false, false}, Case{8000, "Test 3 (Banding)", false, false},
+          Case{9000, "Test 4 (F/S)", false, false}, Case{10000, "Test 5 (Jarvis)", false, false},
+          Case{11000, "Test 6 (Stucki)", false, false}, Case{12000, "Test 7 (Burkes)", false, false}}) {
         config.processMode = given.mode;
         copyText(config.processName, processModeName(given.mode));
         const std::string header = headerOf(config);
@@ -110,8 +114,9 @@ TEST_F(JobHeader, the_shoulder_goes_by_index_only_when_the_job_application_says_
     };
     config.processMode = kModeStamp;
     copyText(config.shoulderName, TEXT("own text"));
-    for (const Case& given : {Case{2, 0, "flat"}, Case{2, 1, "medium"}, Case{2, 2, "steep"}, Case{2, 3, "own text"}, Case{2, -1, "own text"}, Case{0, 1, "own text"},
-                              Case{1, 1, "own text"}, Case{4, 1, "own text"}, Case{7, 1, "medium"}}) {
+    for (const Case& given :
+         {Case{2, 0, "flat"}, Case{2, 1, "medium"}, Case{2, 2, "steep"}, Case{2, 3, "own text"}, Case{2, -1, "own text"},
+          Case{0, 1, "own text"}, Case{1, 1, "own text"}, Case{4, 1, "own text"}, Case{7, 1, "medium"}}) {
         config.files.jobApplicationFlags = given.flags;
         config.shoulderIndex = given.index;
         EXPECT_TRUE(hasLine(headerOf(config), std::string("<StampShoulder: ") + given.expected + ">")) << given.flags << ' ' << given.index;
@@ -199,14 +204,15 @@ TEST(MeasurementPointMask, positions_beyond_the_mask_are_never_enabled) {
 }
 
 TEST_F(JobHeader, diagnostic_group_is_written_in_mode_1_alone) {
-    for (const WORD mode : {0, 1, 2}) {
-        config.diagnostic.enabled = static_cast<WORD>(mode);
+    for (const WORD mode : {WORD{0}, WORD{1}, WORD{2}}) {
+        config.diagnostic.enabled = mode;
         CSpoolFile writer;
         writer.SetPrinterConfig(&config);
         writer.SetJobName(TEXT("Plan"));
         writer.WriteHeader();
-        const bool has = bytesOf(writer).find("<EndGroup: Header>\r\n<BegGroup: Diagnostic>\r\n<Version: v0.1>\r\n<Type: DIAG1>\r\n<EndGroup: Diagnostic>\r\n<BegGroup: Bitmap>") !=
-                         std::string::npos;
+        const bool has = bytesOf(writer).find(
+                             "<EndGroup: Header>\r\n<BegGroup: Diagnostic>\r\n<Version: v0.1>\r\n<Type: DIAG1>\r\n<EndGroup: "
+                             "Diagnostic>\r\n<BegGroup: Bitmap>") != std::string::npos;
         EXPECT_EQ(has, mode == 1) << mode;
         EXPECT_EQ(hasKeyword(bytesOf(writer), "BegGroup: Diagnostic"), mode == 1) << mode;
     }
@@ -230,7 +236,8 @@ TEST_F(JobHeader, measurement_points_go_by_position_and_print_their_number) {
     writer.SetPrinterConfig(&config);
     writer.SetJobName(TEXT("Plan"));
     writer.WriteHeader();
-    EXPECT_NE(bytesOf(writer).find("<Type: DIAG1>\r\n<MeasurePoint: 17; 1; Laser power>\r\n<MeasurePoint: 3; 1; Lid>\r\n<MeasurePoint: 0; 1; zero>\r\n<EndGroup: Diagnostic>\r\n"),
+    EXPECT_NE(bytesOf(writer).find("<Type: DIAG1>\r\n<MeasurePoint: 17; 1; Laser power>\r\n<MeasurePoint: 3; 1; Lid>\r\n<MeasurePoint: 0; "
+                                   "1; zero>\r\n<EndGroup: Diagnostic>\r\n"),
               std::string::npos)
         << bytesOf(writer);
 }
@@ -238,13 +245,15 @@ TEST_F(JobHeader, measurement_points_go_by_position_and_print_their_number) {
 TEST_F(JobHeader, measurement_points_come_from_the_configuration_when_there_is_no_diagnostics_file) {
     config.diagnostic.enabled = 1;
     enablePoint(config, 0);
-    writeBytes(CMvConfig().configurationFile(), "<MeasurementPoints><MeasurementPoint ID=\"1\" Identifier=\"Configured\"/></MeasurementPoints>");
+    writeBytes(CMvConfig().configurationFile(),
+               "<MeasurementPoints><MeasurementPoint ID=\"1\" Identifier=\"Configured\"/></MeasurementPoints>");
     CSpoolFile writer;
     writer.SetPrinterConfig(&config);
     writer.SetJobName(TEXT("Plan"));
     writer.WriteHeader();
     EXPECT_TRUE(hasLine(bytesOf(writer), "<MeasurePoint: 1; 1; Configured>"));
-    writeBytes(CMvConfig().diagnosticsFile(), "<MeasurementPoints><MeasurementPoint ID=\"2\" Identifier=\"Diagnostics\"/></MeasurementPoints>");
+    writeBytes(CMvConfig().diagnosticsFile(),
+               "<MeasurementPoints><MeasurementPoint ID=\"2\" Identifier=\"Diagnostics\"/></MeasurementPoints>");
     writer.WriteHeader();
     EXPECT_TRUE(hasLine(bytesOf(writer), "<MeasurePoint: 2; 1; Diagnostics>"));
     EXPECT_FALSE(hasLine(bytesOf(writer), "<MeasurePoint: 1; 1; Configured>"));
