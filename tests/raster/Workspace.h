@@ -27,6 +27,7 @@ class Workspace {
     // Debugger texts that begin with `prefix`.
     [[nodiscard]] std::size_t countDebugPrefix(const std::string& prefix) const;
     void forgetTexts();
+    void switchLogOff() { m_log.settings.enabled = 0; }
 
     static void writeFile(WStringView path, const std::string& bytes) { writeBytes(path, bytes); }
     // Empty when the file is missing.

@@ -142,8 +142,11 @@ TEST_F(BitmapCreation, sizes_beyond_2_gigabytes_are_refused_and_nothing_changes)
         std::uint32_t width;
         std::uint32_t height;
     } cases[] = {
-        {kGreyRamp, 0xFFFFFFFF, 1},   {kGreyRamp, 0x7FFFFFFD, 1},   {kGreyRamp, 65536, 32768},     {kTrueColour, 0xFFFFFFFF, 0xFFFFFFFF},
-        {kTrueColour, 0x55555556, 1}, {kBlackWhite, 0xFFFFFFFF, 4}, {kBlackWhite, 32, 0x20000000}, {kGreyRamp, 4, 0xFFFFFFFF}};
+        {kGreyRamp, 0xFFFFFFFF, 1},   {kGreyRamp, 0x7FFFFFFD, 1},
+        {kGreyRamp, 65536, 32768},    {kTrueColour, 0xFFFFFFFF, 0xFFFFFFFF},
+        {kTrueColour, 0x55555556, 1}, {kTrueColour, 2863311530, 0x80000000},  // 2^33 bytes in 2^31 rows: the product is 0 in 64 bits
+        {kBlackWhite, 0xFFFFFFFF, 4}, {kBlackWhite, 32, 0x20000000},
+        {kGreyRamp, 4, 0xFFFFFFFF}};
     for (const auto& [type, width, height] : cases) {
         EXPECT_FALSE(file.store.CreateBitmap(type, width, height)) << width << " x " << height;
         EXPECT_EQ(file.store.width(), 10U);

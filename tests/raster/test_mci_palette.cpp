@@ -181,10 +181,10 @@ TEST_F(MciPalette, colour_before_white_is_doubled_to_make_its_index_odd) {
 
 TEST_F(MciPalette, only_the_first_white_at_an_even_index_doubles) {
     test::writeCatalogue(listXml("1.0", colourXml("w", 255, 255, 255) + colourXml("a", 1, 2, 3) + colourXml("v", 255, 255, 255) +
-                                            colourXml("b", 4, 5, 6) + colourXml("u", 255, 255, 255)));
+                                            colourXml("b", 4, 5, 6) + colourXml("c", 7, 8, 9) + colourXml("u", 255, 255, 255)));
     build();
-    // w is the very first; v at 2 doubles a and lands on 3; u at 5 and the system's white at 7 stay where they are
-    expectEntries({0xFFFFFF, 0x030201, 0x030201, 0xFFFFFF, 0x060504, 0xFFFFFF, 0xE8E8E8, 0xFFFFFF});
+    // w is the very first; v at 2 doubles a and lands on 3; u stays at 6 and the system's white at 8
+    expectEntries({0xFFFFFF, 0x030201, 0x030201, 0xFFFFFF, 0x060504, 0x090807, 0xFFFFFF, 0xE8E8E8, 0xFFFFFF});
     EXPECT_EQ(m_workspace.countLog("Add color second time"), 1U);
 }
 
