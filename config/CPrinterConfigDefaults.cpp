@@ -74,9 +74,7 @@ void fillNames(ConfigurationRecord& record) {
     copyText(record.bezier.library, TEXT("MvBezier.dll"));
 }
 
-}  // namespace
-
-ConfigurationRecord CPrinterConfig::defaultConfiguration() {
+ConfigurationRecord madeDefaults() {
     ConfigurationRecord record{};
     record.unit = kMillimetres;
     record.processMode = keys::kProcessMode.missing;
@@ -100,6 +98,13 @@ ConfigurationRecord CPrinterConfig::defaultConfiguration() {
     record.logging.maxBytes = keys::kLoggingFileSize.missing;  // logging itself is off, debug level 0
     record.flags = MV_FL_POLYGON_CLIPPING;                     // as a new file has it (see doUpdate)
     return record;
+}
+
+}  // namespace
+
+ConfigurationRecord CPrinterConfig::defaultConfiguration() {
+    static const ConfigurationRecord defaults = madeDefaults();
+    return defaults;
 }
 
 ConfigurationRecord CPrinterConfig::localDefaults() {

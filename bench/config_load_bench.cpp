@@ -1,0 +1,134 @@
+// config_load - loading the configuration against what pugixml needs to parse the same bytes.
+//   ConfigReload/N   an object fills the record: lock taken, file read once and parsed once, every key converted.
+//                    N stored configurations lie in the file beside the active one.
+//   ConfigLoad/N     the same with a new object, which first looks up (and would create) every shared folder.
+//   StoreLoad/N      lock, file and parse alone.
+//   PugixmlParse/N   pugixml parses the same bytes from memory.
+// The counter times_pugixml is the processor time of one pass divided by that of a parse in the same run. 5 is the limit for
+// a file of some size; the 2 KB of N = 0 are parsed in about the time of one system call, and a load needs a dozen of them.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <pugixml.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "config/CPrinterConfig.h"
+#include "config/CXml.h"
+#include "platform/common/FileStream.h"
+#include "platform/common/Format.h"
+#include "platform/posix/HostState.h"
+
+namespace {
+
+using namespace morvil;
+namespace fs = std::filesystem;
+
+// A data root of its own with a configuration in it. The files lie in memory where the machine offers that.
+class BenchHome {
+  public:
+    explicit BenchHome(int storedConfigurations) {
+        const fs::path memory = "/dev/shm";
+        std::string pattern = (fs::is_directory(memory) ? memory : fs::temp_directory_path()) / "morvil-bench-XXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        m_folder = pattern;
+        resetHostState();
+        hostState().home = m_folder;
+        const ConfigurationRecord defaults = CPrinterConfig::defaultConfiguration();
+        CPrinterConfig config;
+        for (int n = 0; n < storedConfigurations; ++n) config.setConfig(format(TEXT("Material_%d"), n).c_str(), defaults);
+        config.setConfig(TEXT(""), defaults);
+    }
+    ~BenchHome() {
+        resetHostState();
+        std::error_code ignored;
+        fs::remove_all(m_folder, ignored);
+    }
+    BenchHome(const BenchHome&) = delete;
+    BenchHome& operator=(const BenchHome&) = delete;
+
+  private:
+    fs::path m_folder;
+};
+
+std::vector<std::uint8_t> configurationBytes() {
+    FileStream file(CMvConfig().configurationFile(), OpenMode::Read);
+    return file.readAll(std::uint64_t{1} << 30).value_or(std::vector<std::uint8_t>());
+}
+
+void parseWithPugixml(const std::vector<std::uint8_t>& bytes) {
+    pugi::xml_document document;
+    const pugi::xml_parse_result result = document.load_buffer(bytes.data(), bytes.size());
+    if (!result) throw std::runtime_error(result.description());
+    benchmark::DoNotOptimize(document.first_child());
+}
+
+// Processor time of `passes` calls for each of them, the best of several rounds. The clock does not count while others run.
+template <typename Pass>
+double secondsOf(Pass pass, int passes) {
+    double best = 1.0e9;
+    for (int round = 0; round < 10; ++round) {
+        const std::clock_t begin = std::clock();
+        for (int i = 0; i < passes; ++i) pass();
+        best = std::min(best, static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC / passes);
+    }
+    return best;
+}
+
+// Runs `pass` for the benchmark, then a few rounds of it and of pugixml alternately for the ratio of both.
+template <typename Pass>
+void measure(benchmark::State& state, Pass pass) {
+    for (auto _ : state) pass();
+    const std::vector<std::uint8_t> bytes = configurationBytes();
+    const int passes = static_cast<int>(std::max<std::size_t>(20, 20'000'000 / (10'000 + bytes.size())));
+    const double own = secondsOf(pass, passes);
+    const double pugixml = secondsOf([&] { parseWithPugixml(bytes); }, passes);
+    state.counters["file_bytes"] = static_cast<double>(bytes.size());
+    state.counters["times_pugixml"] = own / pugixml;
+}
+
+void load(CPrinterConfig& config) {
+    ConfigurationRecord record{};
+    if (!config.getConfig(TEXT(""), record)) throw std::runtime_error("the load failed");
+    benchmark::DoNotOptimize(record);
+}
+
+void BM_ConfigLoad(benchmark::State& state) {
+    const BenchHome home(static_cast<int>(state.range(0)));
+    measure(state, [] {
+        CPrinterConfig config;
+        load(config);
+    });
+}
+
+void BM_ConfigReload(benchmark::State& state) {
+    const BenchHome home(static_cast<int>(state.range(0)));
+    CPrinterConfig config;
+    measure(state, [&] { load(config); });
+}
+
+void BM_StoreLoad(benchmark::State& state) {
+    const BenchHome home(static_cast<int>(state.range(0)));
+    const CMvConfig folders;
+    CXml store(folders.configurationFile());
+    measure(state, [&] {
+        if (!store.reload()) throw std::runtime_error("the load failed");
+    });
+}
+
+void BM_PugixmlParse(benchmark::State& state) {
+    const BenchHome home(static_cast<int>(state.range(0)));
+    const std::vector<std::uint8_t> bytes = configurationBytes();
+    measure(state, [&] { parseWithPugixml(bytes); });
+}
+
+BENCHMARK(BM_PugixmlParse)->Name("PugixmlParse")->Arg(0)->Arg(20)->Arg(200)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_StoreLoad)->Name("StoreLoad")->Arg(0)->Arg(20)->Arg(200)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ConfigReload)->Name("ConfigReload")->Arg(0)->Arg(20)->Arg(200)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ConfigLoad)->Name("ConfigLoad")->Arg(0)->Arg(20)->Arg(200)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
