@@ -22,7 +22,7 @@ using namespace morvil;
 constexpr std::uint32_t kSide = 4000;
 constexpr std::size_t kBlock = std::size_t{1} << 20;
 
-class Page : public benchmark::Fixture {
+class BitmapStore : public benchmark::Fixture {
   public:
     void SetUp(benchmark::State&) override {
         const std::filesystem::path file = std::filesystem::temp_directory_path() / "morvil-bench-page.bmp";
@@ -50,7 +50,7 @@ class Page : public benchmark::Fixture {
     WString m_path;
 };
 
-BENCHMARK_F(Page, Read)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, Read)(benchmark::State& state) {
     std::vector<std::uint8_t> block(kBlock);
     for (auto unused : state) {
         stream.seek(store.pixelPosition());
@@ -58,7 +58,7 @@ BENCHMARK_F(Page, Read)(benchmark::State& state) {
     }
 }
 
-BENCHMARK_F(Page, Write)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, Write)(benchmark::State& state) {
     for (auto unused : state) {
         stream.seek(store.pixelPosition());
         for (std::size_t at = 0; at < image.size(); at += kBlock)
@@ -66,11 +66,11 @@ BENCHMARK_F(Page, Write)(benchmark::State& state) {
     }
 }
 
-BENCHMARK_F(Page, Fill)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, Fill)(benchmark::State& state) {
     for (auto unused : state) store.Fill(kWhite);
 }
 
-BENCHMARK_F(Page, BoundingBox)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, BoundingBox)(benchmark::State& state) {
     for (auto unused : state) {
         ContentBox box{};
         store.GetBoundingBox(box);
@@ -78,7 +78,7 @@ BENCHMARK_F(Page, BoundingBox)(benchmark::State& state) {
     }
 }
 
-BENCHMARK_F(Page, UsedIndices)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, UsedIndices)(benchmark::State& state) {
     std::vector<std::uint8_t> list;
     for (auto unused : state) {
         store.GetUsedIndices8BPP(image.data(), list);
@@ -86,12 +86,12 @@ BENCHMARK_F(Page, UsedIndices)(benchmark::State& state) {
     }
 }
 
-BENCHMARK_F(Page, ReadPart)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, ReadPart)(benchmark::State& state) {
     std::uint32_t firstBit = 0;
     for (auto unused : state) store.ReadBitmapPart8BPP(image.data(), firstBit, kSide - 1, kSide, 1, 0);
 }
 
-BENCHMARK_F(Page, WritePart)(benchmark::State& state) {
+BENCHMARK_F(BitmapStore, WritePart)(benchmark::State& state) {
     for (auto unused : state) store.WriteBitmapPart8BPP(image.data(), 0, kSide - 1, kSide, 1, 0);
 }
 

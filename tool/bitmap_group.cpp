@@ -48,43 +48,21 @@ struct FixedField {
 };
 
 constexpr FixedField kFixedFields[] = {
-    {6, 4, 0, "the reserved bytes are 0"},
-    {14, 4, 40, "the information header has 40 bytes"},
-    {26, 2, 1, "there is one plane"},
-    {30, 4, 0, "the image is not compressed"},
-    {38, 4, 0, "the horizontal resolution is 0"},
-    {42, 4, 0, "the vertical resolution is 0"},
-    {46, 4, 0, "the number of colours used is 0"},
-    {50, 4, 0, "the number of important colours is 0"},
+    {6, 4, 0, "the reserved bytes are 0"},          {14, 4, 40, "the information header has 40 bytes"}, {26, 2, 1, "there is one plane"},
+    {30, 4, 0, "the image is not compressed"},      {38, 4, 0, "the horizontal resolution is 0"},       {42, 4, 0, "the vertical resolution is 0"},
+    {46, 4, 0, "the number of colours used is 0"},  {50, 4, 0, "the number of important colours is 0"},
 };
 
 void expectNumber(JobFileReader& reader, const ImageBytes& image, std::size_t start, const FixedField& field) {
     const std::uint32_t found = image.number(field.offset, field.width);
-    if (found != field.value)
-        reader.note(start + field.offset, kGroup, std::string(field.rule) + " (" + std::to_string(field.value) + ")",
-                    std::to_string(found));
+    if (found != field.value) reader.note(start + field.offset, kGroup, std::string(field.rule) + " (" + std::to_string(field.value) + ")", std::to_string(found));
 }
 
 void readPalette(JobFileReader& reader, const ImageBytes& image, BitmapFacts& facts, std::size_t bytes) {
     for (std::size_t at = kHeaderBytes; at < kHeaderBytes + bytes; at += 4) {
         const std::uint32_t entry = image.number(at, 4);  // blue, green, red, 0
         facts.palette.push_back(entry & 0xFFFFFF);
-        if (entry > 0xFFFFFF)
-            reader.note(facts.position + at + 3, kGroup, "the fourth byte of a palette entry is 0", std::to_string(entry >> 24));
-    }
-}
-
-// The bytes between the last pixel and the end of each row are 0, and so are the unused bits of the last byte in no rule at all.
-void checkPadding(JobFileReader& reader, const ImageBytes& image, const BitmapFacts& facts) {
-    const std::size_t used =
-        static_cast<std::size_t>((static_cast<std::uint64_t>(facts.width) * static_cast<std::uint32_t>(facts.bitsPerPixel) + 7) / 8);
-    if (used == facts.stride) return;
-    for (std::uint32_t row = 0; row < facts.height; ++row) {
-        const std::size_t at = facts.pixelPosition - facts.position + static_cast<std::size_t>(row) * facts.stride + used;
-        const auto padding = image.part(at, facts.stride - used);
-        if (std::all_of(padding.begin(), padding.end(), [](std::uint8_t byte) { return byte == 0; })) continue;
-        reader.note(facts.position + at, kGroup, "the padding at the end of a row is 0", "row " + std::to_string(row));
-        return;  // one note says it: a surface with dirty padding has it in every row
+        if (entry > 0xFFFFFF) reader.note(facts.position + at + 3, kGroup, "the fourth byte of a palette entry is 0", std::to_string(entry >> 24));
     }
 }
 
@@ -98,10 +76,8 @@ void checkAgainstHeader(JobFileReader& reader, const BitmapFacts& facts) {
         // The size is printed to 0.01 mm; pixels are rounded up.
         return !value || std::abs(*value / 25.4 * dpi - static_cast<double>(pixels)) <= 1.0 + 0.005 / 25.4 * dpi;
     };
-    if (!fits(size.substr(0, separator), facts.width))
-        reader.note(facts.position + 18, kGroup, "the width in pixels is that of Size at Resolution", std::to_string(facts.width));
-    if (!fits(size.substr(separator + 1), facts.height))
-        reader.note(facts.position + 22, kGroup, "the height in pixels is that of Size at Resolution", std::to_string(facts.height));
+    if (!fits(size.substr(0, separator), facts.width)) reader.note(facts.position + 18, kGroup, "the width in pixels is that of Size at Resolution", std::to_string(facts.width));
+    if (!fits(size.substr(separator + 1), facts.height)) reader.note(facts.position + 22, kGroup, "the height in pixels is that of Size at Resolution", std::to_string(facts.height));
 }
 
 // Reads the image at the position and steps behind it. False when it cannot be told where it ends.
@@ -124,8 +100,7 @@ bool readImage(JobFileReader& reader) {
         return false;
     }
     if (facts.width == 0 || facts.height == 0 || facts.width > 0x7FFFFFFF || facts.height > 0x7FFFFFFF) {
-        reader.note(start + 18, kGroup, "width and height are positive",
-                    std::to_string(facts.width) + " x " + std::to_string(facts.height));
+        reader.note(start + 18, kGroup, "width and height are positive", std::to_string(facts.width) + " x " + std::to_string(facts.height));
         return false;
     }
     facts.stride = strideOf(facts.width, bits);
@@ -134,8 +109,7 @@ bool readImage(JobFileReader& reader) {
     facts.pixelPosition = start + kHeaderBytes + palette;
     const std::uint64_t total = kHeaderBytes + palette + facts.imageBytes;
     if (!image.holds(static_cast<std::size_t>(total))) {
-        reader.note(start, kGroup, "the image holds all of its " + std::to_string(total) + " bytes",
-                    std::to_string(image.size()) + " are left in the file");
+        reader.note(start, kGroup, "the image holds all of its " + std::to_string(total) + " bytes", std::to_string(image.size()) + " are left in the file");
         return false;
     }
     const auto expect = [&](std::size_t offset, std::uint64_t value, const char* rule) {
@@ -145,7 +119,6 @@ bool readImage(JobFileReader& reader) {
     expect(10, kHeaderBytes + palette, "the pixel data offset is that of header and palette");
     expect(34, facts.imageBytes, "the image size is stride times height");
     readPalette(reader, image, facts, palette);
-    checkPadding(reader, image, facts);
     checkAgainstHeader(reader, facts);
     reader.moveTo(start + static_cast<std::size_t>(total));
     reader.job().bitmap = std::move(facts);

@@ -21,7 +21,7 @@ namespace morvil::tool {
 namespace {
 
 constexpr std::uintmax_t kLargestMetafile = std::uintmax_t{1} << 30;
-constexpr const WCHAR* kPrinterName = TEXT("Morvil Engraver");
+constexpr const WCHAR* kPrinterName = TEXT("Morvil");
 
 // Set by Ctrl-C; the engine asks for it between calls, so that an interrupted document leaves no half-made job.
 volatile std::sig_atomic_t g_interrupted = 0;
@@ -47,8 +47,7 @@ struct Sheet {
 
 class PrintCommand {
   public:
-    PrintCommand(const PrintOptions& options, engine::EnableDriverFunction driver, const Streams& streams)
-        : m_options(options), m_driver(driver), m_streams(streams) {}
+    PrintCommand(const PrintOptions& options, engine::EnableDriverFunction driver, const Streams& streams) : m_options(options), m_driver(driver), m_streams(streams) {}
     int run();
 
   private:
@@ -93,8 +92,7 @@ int PrintCommand::checkOptions() {
         if (!setting) return usage("--set takes ITEM=VALUE or ITEM@ATTRIBUTE=VALUE, not \"" + text + "\"");
         m_settings.push_back(*setting);
     }
-    if (!m_options.spool.empty() && !std::filesystem::is_directory(m_options.spool))
-        return usage("the spool folder \"" + m_options.spool + "\" does not exist");
+    if (!m_options.spool.empty() && !std::filesystem::is_directory(m_options.spool)) return usage("the spool folder \"" + m_options.spool + "\" does not exist");
     return kDone;
 }
 
@@ -112,8 +110,7 @@ int PrintCommand::readSheets() {
         engine::MetafileError damage;
         auto metafile = engine::Metafile::parse(std::move(bytes), damage);
         if (metafile == nullptr) return usage(file + ": byte " + std::to_string(damage.position) + ": " + damage.reason);
-        if (metafile->header().plusOnly)
-            return usage(file + ": holds only the newer plus-form of drawing (EMF+), which is not played; export it as plain or dual EMF");
+        if (metafile->header().plusOnly) return usage(file + ": holds only the newer plus-form of drawing (EMF+), which is not played; export it as plain or dual EMF");
         m_sheets.push_back({file, std::move(metafile), nullptr, {}});
     }
     return kDone;
@@ -133,8 +130,7 @@ int PrintCommand::prepareHost() {
 int PrintCommand::loadConfiguration() {
     const WString name = fromUtf8(m_options.configuration);
     CPrinterConfig config;
-    if (!name.empty() && !config.configurationExists(name.c_str()))
-        return usage("there is no stored configuration \"" + m_options.configuration + "\"");
+    if (!name.empty() && !config.configurationExists(name.c_str())) return usage("there is no stored configuration \"" + m_options.configuration + "\"");
     if (!config.getConfig(name.c_str(), m_record)) return failure("the configuration cannot be loaded");
     m_record.application.processId = static_cast<DWORD>(::getpid());
     copyText(m_record.application.name, fromUtf8(m_options.application));
@@ -174,13 +170,10 @@ std::vector<std::string> PrintCommand::warnings(const std::vector<std::string>& 
         const engine::MetafileHeader& drawing = sheet.metafile->header();
         if (!sheet.setup.drawingFits) list.push_back(doesNotFitText(sheet.file, drawing, sheet.setup));
         if (drawing.hasPlus) list.push_back(sheet.file + ": also holds plus-form records, of which the plain ones were played");
-        for (const auto& [type, number] : sheet.page->skipped())
-            list.push_back(sheet.file + ": " + std::to_string(number) + " x " + engine::recordName(type) + " skipped");
-        if (sheet.page->damage())
-            list.push_back(sheet.file + ": byte " + std::to_string(sheet.page->damage()->position) + ": " + sheet.page->damage()->reason);
+        for (const auto& [type, number] : sheet.page->skipped()) list.push_back(sheet.file + ": " + std::to_string(number) + " x " + engine::recordName(type) + " skipped");
+        if (sheet.page->damage()) list.push_back(sheet.file + ": byte " + std::to_string(sheet.page->damage()->position) + ": " + sheet.page->damage()->reason);
     }
-    if (m_options.copies > 1)
-        list.push_back(std::to_string(m_options.copies) + " copies were asked for; the machine makes one of each job");
+    if (m_options.copies > 1) list.push_back(std::to_string(m_options.copies) + " copies were asked for; the machine makes one of each job");
     if (m_options.spool.empty()) return list;
     for (const std::string& job : jobs) {
         std::error_code error;
@@ -202,12 +195,9 @@ int PrintCommand::print() {
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     progress.clear();
 
-    const PrintResult result{
-        .report = report, .jobs = finished.files(), .warnings = warnings(finished.files()), .record = m_record, .seconds = seconds};
-    if (m_options.json)
-        printJson(result, m_streams.out);
-    else
-        printPaths(result, m_streams.out);
+    const PrintResult result{.report = report, .jobs = finished.files(), .warnings = warnings(finished.files()), .record = m_record, .seconds = seconds};
+    if (m_options.json) printJson(result, m_streams.out);
+    else printPaths(result, m_streams.out);
     if (!m_options.quiet) printSummary(result, m_streams.err);
     if (report.status != engine::PrintStatus::Done) return failure(report.reason);
     const bool jobsExpected = (m_record.flags & MV_FL_TMPJOB) == 0;
@@ -219,8 +209,8 @@ int PrintCommand::print() {
 }
 
 int PrintCommand::run() {
-    for (int (PrintCommand::*step)() : {&PrintCommand::checkOptions, &PrintCommand::readSheets, &PrintCommand::prepareHost,
-                                        &PrintCommand::loadConfiguration, &PrintCommand::setUpPages, &PrintCommand::print}) {
+    for (int (PrintCommand::*step)() : {&PrintCommand::checkOptions, &PrintCommand::readSheets, &PrintCommand::prepareHost, &PrintCommand::loadConfiguration,
+                                        &PrintCommand::setUpPages, &PrintCommand::print}) {
         const int status = (this->*step)();
         if (status != kDone) return status;
     }
@@ -229,8 +219,6 @@ int PrintCommand::run() {
 
 }  // namespace
 
-int runPrint(const PrintOptions& options, engine::EnableDriverFunction driver, const Streams& streams) {
-    return PrintCommand(options, driver, streams).run();
-}
+int runPrint(const PrintOptions& options, engine::EnableDriverFunction driver, const Streams& streams) { return PrintCommand(options, driver, streams).run(); }
 
 }  // namespace morvil::tool

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -186,9 +187,11 @@ class Player {
     void drawResampled(const Image& image, const RECTL& source, const Place& place, ROP4 rop4, const Image* mask, POINTL maskOrigin);
     void paintPlace(const Place& place, std::uint8_t rop3);
     void drawBlit(const BlitRecord& blit, const std::optional<Image>& image);
-    // Pixels computed one by one, strip by strip: `colourAt` answers false for pixels that stay as they are.
-    using ColourAt = std::function<bool(double x, double y, COLORREF& colour)>;
-    void drawComputed(const RECTL& area, std::uint8_t rop3, const ColourAt& colourAt);
+    // Pixels computed one by one, strip by strip: `computeRow` gets the centre of a row's first pixel and puts colours where there
+    // are any; the others stay kNoColour, and the page there stays as it is.
+    static constexpr COLORREF kNoColour = 0xFFFFFFFF;
+    using ComputeRow = std::function<void(double x, double y, std::span<COLORREF> row)>;
+    void drawComputed(const RECTL& area, std::uint8_t rop3, const ComputeRow& computeRow);
 
     struct TextString;
     struct TextFrame;

@@ -63,15 +63,19 @@ void Player::gradientFill(const Record& record) {
         if (area == 0.0) return;
         const RECTL box{toPixel(std::min({a.at.x, b.at.x, c.at.x})) - 1, toPixel(std::min({a.at.y, b.at.y, c.at.y})) - 1,
                         toPixel(std::max({a.at.x, b.at.x, c.at.x})) + 1, toPixel(std::max({a.at.y, b.at.y, c.at.y})) + 1};
-        drawComputed(box, kSourceCopy, [&](double x, double y, COLORREF& colour) {
-            const double partB = ((x - a.at.x) * (c.at.y - a.at.y) - (c.at.x - a.at.x) * (y - a.at.y)) / area;
-            const double partC = ((b.at.x - a.at.x) * (y - a.at.y) - (x - a.at.x) * (b.at.y - a.at.y)) / area;
-            const double partA = 1.0 - partB - partC;
-            if (partA < 0.0 || partB < 0.0 || partC < 0.0) return false;
-            const auto blend = [&](double first, double second, double third) { return first * partA + second * partB + third * partC; };
-            colour = toColour({blend(a.shade.red, b.shade.red, c.shade.red), blend(a.shade.green, b.shade.green, c.shade.green),
-                               blend(a.shade.blue, b.shade.blue, c.shade.blue)});
-            return true;
+        drawComputed(box, kSourceCopy, [&](double x, double y, std::span<COLORREF> row) {
+            for (COLORREF& pixel : row) {
+                const double partB = ((x - a.at.x) * (c.at.y - a.at.y) - (c.at.x - a.at.x) * (y - a.at.y)) / area;
+                const double partC = ((b.at.x - a.at.x) * (y - a.at.y) - (x - a.at.x) * (b.at.y - a.at.y)) / area;
+                const double partA = 1.0 - partB - partC;
+                x += 1.0;
+                if (partA < 0.0 || partB < 0.0 || partC < 0.0) continue;
+                const auto blend = [&](double first, double second, double third) {
+                    return first * partA + second * partB + third * partC;
+                };
+                pixel = toColour({blend(a.shade.red, b.shade.red, c.shade.red), blend(a.shade.green, b.shade.green, c.shade.green),
+                                  blend(a.shade.blue, b.shade.blue, c.shade.blue)});
+            }
         });
     };
 

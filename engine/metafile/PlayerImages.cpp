@@ -129,19 +129,22 @@ void Player::drawResampled(const Image& image, const RECTL& source, const Place&
     for (const std::uint32_t wanted : {1U, 0U}) {
         const auto rop3 = static_cast<std::uint8_t>(wanted == 1 ? rop4 : rop4 >> 8);
         if (rop3 == kKeepTarget || (mask == nullptr && wanted == 0)) continue;
-        drawComputed(area, rop3, [&](double x, double y, COLORREF& colour) {
-            const Point at = toSource.apply({x, y});
-            if (at.x < 0.0 || at.x >= 1.0 || at.y < 0.0 || at.y >= 1.0) return false;
-            const LONG column = std::min(width - 1, static_cast<LONG>(at.x * width));
-            const LONG row = std::min(height - 1, static_cast<LONG>(at.y * height));
-            if (mask != nullptr && pixelAt(*mask, maskOrigin.x + column, maskOrigin.y + row) != wanted) return false;
-            colour = colourOf(image, pixelAt(image, source.left + column, source.top + row));
-            return true;
+        drawComputed(area, rop3, [&](double x, double y, std::span<COLORREF> row) {
+            Point at = toSource.apply({x, y});
+            for (COLORREF& pixel : row) {
+                if (at.x >= 0.0 && at.x < 1.0 && at.y >= 0.0 && at.y < 1.0) {
+                    const LONG column = std::min(width - 1, static_cast<LONG>(at.x * width));
+                    const LONG line = std::min(height - 1, static_cast<LONG>(at.y * height));
+                    const bool drawn = mask == nullptr || pixelAt(*mask, maskOrigin.x + column, maskOrigin.y + line) == wanted;
+                    if (drawn) pixel = colourOf(image, pixelAt(image, source.left + column, source.top + line));
+                }
+                at = {at.x + toSource.m11, at.y + toSource.m12};
+            }
         });
     }
 }
 
-void Player::drawComputed(const RECTL& area, std::uint8_t rop3, const ColourAt& colourAt) {
+void Player::drawComputed(const RECTL& area, std::uint8_t rop3, const ComputeRow& computeRow) {
     const RECTL page = pageRectangle();
     const RECTL visible{std::max(area.left, page.left), std::max(area.top, page.top), std::min(area.right, page.right),
                         std::min(area.bottom, page.bottom)};
@@ -151,6 +154,7 @@ void Player::drawComputed(const RECTL& area, std::uint8_t rop3, const ColourAt& 
     if (m_computedPixelsLeft < 0) throw DamagedRecord("too many pixels to compute one by one");
     const LONG rows = static_cast<LONG>(std::max<std::int64_t>(1, kStripPixels / width));
     const Brush brush = realiseBrush(*m_state.brush);
+    std::vector<COLORREF> row(static_cast<std::size_t>(width));
     prepareCanvas();
     for (LONG top = visible.top; top < visible.bottom; top += rows) {
         const LONG height = std::min(rows, visible.bottom - top);
@@ -158,9 +162,11 @@ void Player::drawComputed(const RECTL& area, std::uint8_t rop3, const ColourAt& 
         Image mask = makeMask(width, height);
         bool some = false;
         for (LONG y = 0; y < height; ++y) {
+            std::ranges::fill(row, kNoColour);
+            computeRow(visible.left + 0.5, top + y + 0.5, row);
             for (LONG x = 0; x < width; ++x) {
-                COLORREF pixel = 0;
-                if (!colourAt(visible.left + x + 0.5, top + y + 0.5, pixel)) continue;
+                const COLORREF pixel = row[static_cast<std::size_t>(x)];
+                if (pixel == kNoColour) continue;
                 setColour(strip, x, y, pixel);
                 setMask(mask, x, y);
                 some = true;

@@ -44,8 +44,9 @@ void addFigure(Outline& outline, const std::vector<Point>& points, bool closed) 
     if (closed) outline.close();
 }
 
+// None at all is harmless: some writers begin each figure so.
 void requireCurves(std::size_t pointsAfterFirst) {
-    if (pointsAfterFirst == 0 || pointsAfterFirst % 3 != 0) {
+    if (pointsAfterFirst % 3 != 0) {
         throw DamagedRecord(std::to_string(pointsAfterFirst) + " points are no whole number of curves");
     }
 }
@@ -84,7 +85,8 @@ void Player::polygon(const Record& record) {
 
 void Player::polyBezier(const Record& record) {
     const auto points = readFigure(record);
-    requireCurves(points.empty() ? 0 : points.size() - 1);
+    if (points.size() < 2) return;
+    requireCurves(points.size() - 1);
     Path path;
     const Matrix matrix = logicalToPage();
     Outline outline(path, matrix);
@@ -107,6 +109,7 @@ void Player::polylineTo(const Record& record) {
 void Player::polyBezierTo(const Record& record) {
     const auto points = readFigure(record);
     requireCurves(points.size());
+    if (points.empty()) return;
     Path separate;
     const Matrix matrix = logicalToPage();
     Outline outline(figureFromPosition(separate), matrix);

@@ -95,6 +95,8 @@ void resetHostState() {
     state.fixedTime = fresh.fixedTime;
     state.debugListener = fresh.debugListener;
     state.refusals = fresh.refusals;
+    state.fileMoved = fresh.fileMoved;
+    state.profileOverrides = fresh.profileOverrides;
     state.mutexes.clear();
     state.impersonation.clear();
 }

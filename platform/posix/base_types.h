@@ -118,7 +118,9 @@ union LARGE_INTEGER {
 
 constexpr WORD LOWORD(DWORD value) { return static_cast<WORD>(value & 0xFFFFU); }
 constexpr WORD HIWORD(DWORD value) { return static_cast<WORD>(value >> 16); }
-constexpr COLORREF RGB(unsigned red, unsigned green, unsigned blue) { return (red & 0xFFU) | ((green & 0xFFU) << 8) | ((blue & 0xFFU) << 16); }
+constexpr COLORREF RGB(unsigned red, unsigned green, unsigned blue) {
+    return (red & 0xFFU) | ((green & 0xFFU) << 8) | ((blue & 0xFFU) << 16);
+}
 constexpr BYTE GetRValue(COLORREF colour) { return static_cast<BYTE>(colour & 0xFFU); }
 constexpr BYTE GetGValue(COLORREF colour) { return static_cast<BYTE>((colour >> 8) & 0xFFU); }
 constexpr BYTE GetBValue(COLORREF colour) { return static_cast<BYTE>((colour >> 16) & 0xFFU); }

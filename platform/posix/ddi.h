@@ -340,11 +340,14 @@ BOOL EngDeletePalette(HPALETTE palette);
 SURFOBJ* EngLockSurface(HSURF surface);
 VOID EngUnlockSurface(SURFOBJ* surface);
 BOOL EngCheckAbort(SURFOBJ* surface);
-BOOL EngBitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source, POINTL* maskOrigin, BRUSHOBJ* brush, POINTL* brushOrigin, ROP4 rop);
-BOOL EngStretchBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, COLORADJUSTMENT* adjustment, POINTL* brushOrigin, RECTL* target, RECTL* source, POINTL* maskOrigin, ULONG mode);
+BOOL EngBitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source,
+               POINTL* maskOrigin, BRUSHOBJ* brush, POINTL* brushOrigin, ROP4 rop);
+BOOL EngStretchBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, COLORADJUSTMENT* adjustment,
+                   POINTL* brushOrigin, RECTL* target, RECTL* source, POINTL* maskOrigin, ULONG mode);
 BOOL EngCopyBits(SURFOBJ* to, SURFOBJ* from, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source);
 BOOL EngFillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* brushOrigin, MIX mix, FLONG options);
-BOOL EngTextOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* font, CLIPOBJ* clip, RECTL* extra, RECTL* opaque, BRUSHOBJ* fore, BRUSHOBJ* back, POINTL* brushOrigin, MIX mix);
+BOOL EngTextOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* font, CLIPOBJ* clip, RECTL* extra, RECTL* opaque, BRUSHOBJ* fore, BRUSHOBJ* back,
+                POINTL* brushOrigin, MIX mix);
 VOID PATHOBJ_vEnumStart(PATHOBJ* path);
 BOOL PATHOBJ_bEnum(PATHOBJ* path, PATHDATA* data);
 ULONG BRUSHOBJ_ulGetBrushColor(BRUSHOBJ* brush);

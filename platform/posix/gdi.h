@@ -148,5 +148,6 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
 BOOL DeleteObject(HGDIOBJ object);
 int SetStretchBltMode(HDC dc, int mode);
 BOOL SetColorAdjustment(HDC dc, const COLORADJUSTMENT* adjustment);
-BOOL StretchBlt(HDC to, int x, int y, int width, int height, HDC from, int sourceX, int sourceY, int sourceWidth, int sourceHeight, DWORD rop);
+BOOL StretchBlt(HDC to, int x, int y, int width, int height, HDC from, int sourceX, int sourceY, int sourceWidth, int sourceHeight,
+                DWORD rop);
 int GetDIBits(HDC dc, HBITMAP bitmap, UINT start, UINT lines, LPVOID bits, BITMAPINFO* info, UINT usage);

@@ -55,7 +55,8 @@ BOOL OpenProcessToken(HANDLE process, DWORD access, HANDLE* token);
 BOOL ImpersonateLoggedOnUser(HANDLE token);
 BOOL RevertToSelf();
 BOOL GetTokenInformation(HANDLE token, TOKEN_INFORMATION_CLASS kind, LPVOID out, DWORD bytes, LPDWORD needed);
-BOOL LookupAccountSidW(LPCWSTR system, PSID sid, LPWSTR name, LPDWORD nameCharacters, LPWSTR domain, LPDWORD domainCharacters, SID_NAME_USE* use);
+BOOL LookupAccountSidW(LPCWSTR system, PSID sid, LPWSTR name, LPDWORD nameCharacters, LPWSTR domain, LPDWORD domainCharacters,
+                       SID_NAME_USE* use);
 
 BOOL GetFileSecurityW(LPCWSTR path, DWORD what, PSECURITY_DESCRIPTOR out, DWORD bytes, LPDWORD needed);
 BOOL SetFileSecurityW(LPCWSTR path, DWORD what, PSECURITY_DESCRIPTOR descriptor);

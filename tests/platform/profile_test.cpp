@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/posix/HostState.h"
+#include "platform/posix/PlatformCalls.h"
 #include "platform/posix/ProfileText.h"
 #include "support/FailingCalls.h"
 #include "support/TempHome.h"
@@ -244,11 +245,11 @@ TEST_F(ProfileTest, readOnlyFile_staysAsItIs) {
 
 TEST_F(ProfileTest, replacedFile_keepsItsMode) {
     writeBytes(kFile, "[S]\nk=1\n");
-    ::chmod(home.hostPath(kFile).c_str(), 0640);
+    ::chmod(home.hostPath(kFile).c_str(), 0662);  // more than a creation mask leaves
     EXPECT_TRUE(write(TEXT("S"), TEXT("k"), TEXT("2")));
     struct stat status {};
     ASSERT_EQ(::stat(home.hostPath(kFile).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640U);
+    EXPECT_EQ(status.st_mode & 0777, 0662U);
 }
 
 TEST_F(ProfileTest, everyFault_leavesTheOldFileOrTheNewOne) {
@@ -273,17 +274,28 @@ TEST_F(ProfileTest, everyFault_leavesTheOldFileOrTheNewOne) {
 TEST_F(ProfileTest, writersInSeveralProcesses_loseNoKey) {
     constexpr int kProcesses = 4;
     constexpr int kKeys = 25;
+    int start[2] = {};
+    ASSERT_EQ(::pipe(start), 0);
     std::vector<pid_t> children;
     for (int process = 0; process < kProcesses; ++process) {
         children.push_back(::fork());
         if (children.back() != 0) continue;
-        bool good = true;
+        // Each write takes long enough for the others to come in between.
+        platformCalls().flush = [](int file) {
+            ::usleep(300);
+            return systemCalls().flush(file);
+        };
+        ::close(start[1]);
+        char byte = 0;
+        bool good = ::read(start[0], &byte, 1) == 0;  // the end comes when all were started
         for (int key = 0; key < kKeys; ++key) {
             const WString name = fromUtf8("p" + std::to_string(process) + "k" + std::to_string(key));
             good = write(TEXT("S"), name.c_str(), TEXT("1")) && good;
         }
         ::_exit(good ? 0 : 1);
     }
+    ::close(start[0]);
+    ::close(start[1]);
     for (const pid_t child : children) {
         int status = -1;
         ::waitpid(child, &status, 0);
