@@ -72,19 +72,25 @@ Table readTable(CXml& document) {
 
 struct ColourMatching::Members {
     ParsedDocumentCache document;
+    std::optional<CXml> reader;  // made for the first colour; that it stays saves opening the mutex for each
     Table table;
     std::optional<std::uint64_t> tableGeneration;  // of the document that the table was made from
 
+    // Reads the file under its lock. False when it or the lock cannot be had: then nothing is known of it.
+    bool read() {
+        const bool done = reader ? reader->reload() : reader.emplace(document).isLoaded();
+        return done && reader->isLoaded();
+    }
+
     // The table of the configuration as it stands in the file now; of an empty document when the file cannot be had.
     void refresh() {
-        CXml reader(document);
-        if (!reader.isLoaded()) {
+        if (!read()) {
             table = {};
             tableGeneration.reset();
             return;
         }
         if (tableGeneration == document.generation()) return;
-        table = readTable(reader);
+        table = readTable(*reader);
         tableGeneration = document.generation();
     }
 };

@@ -47,9 +47,19 @@ void appendOpening(std::string& out, const WCHAR* opening, std::size_t count, st
     appendNumbers(out, opening, {static_cast<std::int32_t>(count), channels.red, channels.green, channels.blue});
 }
 
-void appendPoint(std::string& out, std::int32_t x, std::int32_t y) { appendNumbers(out, kPointPart, {x, y}); }
+// The one that long strokes consist of, so it goes without reading the template.
+void appendPoint(std::string& out, std::int32_t x, std::int32_t y) {
+    static_assert(WStringView(kPointPart) == TEXT(";%i;%i"));
+    out.push_back(';');
+    appendNumber(out, x);
+    out.push_back(';');
+    appendNumber(out, y);
+}
 
-void appendClosing(std::string& out) { out += toFileBytes(kCommandClosing); }
+void appendClosing(std::string& out) {
+    static_assert(WStringView(kCommandClosing) == TEXT(">\n"));
+    out += ">\r\n";
+}
 
 void appendArc(std::string& out, const ArcRecord& arc, std::uint32_t colour) {
     const Channels channels = channelsOf(colour);

@@ -66,7 +66,8 @@ struct CSpoolFile::Members {
     // Writes what closes the bitmap section at bitmapEnd. The position behind it, where the vector section belongs; nothing
     // when the file could not be opened there.
     std::optional<std::int64_t> closeBitmapSection();
-    bool doPolygonAlreadyExist(const std::int32_t* xs, const std::int32_t* ys, std::uint32_t count, std::uint32_t colour);
+    // Whether the line of a polygon of `count` points stands in the vector section.
+    bool doPolygonAlreadyExist(std::string_view line, std::size_t count);
     void mirror(std::int32_t* xs, std::int32_t* ys, std::uint32_t count) const;
     void writeClipped(const std::int32_t* xs, const std::int32_t* ys, std::uint32_t count, std::uint32_t colour, bool checkDuplicates);
 

@@ -20,6 +20,14 @@ std::string polygonLine(const std::int32_t* xs, const std::int32_t* ys, std::uin
     return line;
 }
 
+std::string polygonLine(std::span<const ClipPoint> points, std::uint32_t colour) {
+    std::string line;
+    appendOpening(line, kPolygonOpening, points.size(), colour);
+    for (const ClipPoint& point : points) appendPoint(line, point.x, point.y);
+    appendClosing(line);
+    return line;
+}
+
 std::string_view withoutLineEnd(std::string_view line) { return line.substr(0, line.size() - 2); }
 
 // Coordinates wrap as 32-bit numbers do.
@@ -49,7 +57,7 @@ bool CSpoolFile::WritePolygon(std::int32_t* xs, std::int32_t* ys, std::uint32_t 
     if (!m->colours.checkPolygonColor(colour)) logMorvil(1, kNotice, TEXT("WritePolygon, Colorcorrection has been done"), kLogEnd);
 
     const bool opened = m->vectors.open(m->jobFile.c_str());
-    if (checkDuplicates && m->doPolygonAlreadyExist(xs, ys, count, colour)) {
+    if (checkDuplicates && m->doPolygonAlreadyExist(polygonLine(xs, ys, count, colour), count)) {
         m->vectors.close();
         logMorvil(1, kInformation, TEXT("WritePolygon, Polygon already exist in Tsf"), kLogEnd);
         return false;
@@ -95,25 +103,18 @@ void CSpoolFile::Members::writeClipped(const std::int32_t* xs, const std::int32_
     for (std::uint32_t piece = 0; piece < clipper.getCntPolygons(); ++piece) {
         const std::span<const ClipPoint> points = clipper.getPolygon(piece);
         logMorvil(1, kInformation, TEXT("WritePolygon (Clipping), poly=%d, cntPoints=%d"), piece, points.size(), kLogEnd);
-        std::vector<std::int32_t> pieceXs(points.size());
-        std::vector<std::int32_t> pieceYs(points.size());
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            pieceXs[i] = points[i].x;
-            pieceYs[i] = points[i].y;
-        }
-        const auto pieceCount = static_cast<std::uint32_t>(points.size());
-        if (checkDuplicates && doPolygonAlreadyExist(pieceXs.data(), pieceYs.data(), pieceCount, colour)) {
+        const std::string line = polygonLine(points, colour);
+        if (checkDuplicates && doPolygonAlreadyExist(line, points.size())) {
             logMorvil(1, kError, TEXT("WritePolygon Polygon already exists"), kLogEnd);
             continue;
         }
         logMorvil(1, kInformation, TEXT("WritePolygon DrawPoly"), kLogEnd);
-        vectors.add(polygonLine(pieceXs.data(), pieceYs.data(), pieceCount, colour));
+        vectors.add(line);
     }
 }
 
-bool CSpoolFile::Members::doPolygonAlreadyExist(const std::int32_t* xs, const std::int32_t* ys, std::uint32_t count, std::uint32_t colour) {
+bool CSpoolFile::Members::doPolygonAlreadyExist(std::string_view line, std::size_t count) {
     logMorvil(1, kInformation, TEXT("CSpoolFile::doPolygonAlreadyExist, uiCount=%d"), count, kLogEnd);
-    const std::string line = polygonLine(xs, ys, count, colour);
     const bool exists = vectors.contains(withoutLineEnd(line));
     logMorvil(1, kInformation, TEXT("CSpoolFile::doPolygonAlreadyExist finished"), kLogEnd);
     return exists;

@@ -9,6 +9,11 @@ namespace {
 // Buffers that a very long line left behind are given back.
 constexpr std::size_t kKeptBytes = 1 << 20;
 
+const std::string& closingLine() {
+    static const std::string bytes = toFileBytes(kVectorGroupClosing);
+    return bytes;
+}
+
 void empty(std::string& buffer) {
     if (buffer.capacity() > kKeptBytes) buffer = {};
     buffer.clear();
@@ -30,7 +35,7 @@ void VectorSection::movedTo(std::int64_t start, std::int64_t end) {
 
 bool VectorSection::writeEmpty(const WCHAR* jobFile) {
     FileStream file(jobFile, OpenMode::Update);
-    const std::string lines = toFileBytes(kVectorGroupOpening) + toFileBytes(kVectorGroupClosing);
+    const std::string lines = toFileBytes(kVectorGroupOpening) + closingLine();
     if (!file.isOpen() || !file.seek(m_start) || !file.write(lines)) return false;
     m_end = m_start + static_cast<std::int64_t>(lines.size());
     if (file.size() == m_end) m_index.reset(m_end);
@@ -85,7 +90,7 @@ void VectorSection::add(std::string_view line) {
 }
 
 bool VectorSection::commit() {
-    m_pending += toFileBytes(kVectorGroupClosing);
+    m_pending += closingLine();
     const std::int64_t newEnd = insertionPlace() + static_cast<std::int64_t>(m_pending.size());
     const bool written = m_file.seek(insertionPlace()) && m_file.write(m_pending);
     const bool isClean = written && m_fileSize == m_end && m_index.fits(m_fileSize);

@@ -59,7 +59,8 @@ TEST_F(JobExample, the_writer_makes_the_bytes_that_the_document_shows) {
     EXPECT_TRUE(expected.substr(positionOf(document, "behind `<STBmp: 0;0>`")).starts_with("BM"));
     EXPECT_TRUE(expected.substr(positionOf(document, "the pixel rows (7f")).starts_with("\x7F\x80"));
     EXPECT_TRUE(expected.substr(positionOf(document, "`<EOBmp>` |\n")).starts_with("<EOBmp>"));
-    EXPECT_TRUE(expected.substr(positionOf(document, "`<BegGroup: DrawCommands>` |")).starts_with("<BegGroup: DrawCommands>\r\n<DrawPolygon: 3"));
+    EXPECT_TRUE(
+        expected.substr(positionOf(document, "`<BegGroup: DrawCommands>` |")).starts_with("<BegGroup: DrawCommands>\r\n<DrawPolygon: 3"));
     EXPECT_EQ(positionOf(document, "the end, behind"), expected.size());
 }
 
