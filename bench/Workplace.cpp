@@ -1,4 +1,4 @@
-#include "bench/Workplace.h"
+#include "Workplace.h"
 
 #include <unistd.h>
 

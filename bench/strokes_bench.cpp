@@ -11,7 +11,7 @@
 #include <array>
 #include <string>
 
-#include "bench/Workplace.h"
+#include "Workplace.h"
 #include "jobfile/CSpoolFile.h"
 
 namespace morvil::bench {
