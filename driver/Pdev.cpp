@@ -48,6 +48,4 @@ PDEV* validInstance(SURFOBJ* pso) {
     return (pdev->flags & kJobAborted) == 0 ? pdev : nullptr;
 }
 
-bool jobAborted(const SURFOBJ* pso) { return pso != nullptr && isInstance(pso->dhpdev) && (pdevOf(pso->dhpdev)->flags & kJobAborted) != 0; }
-
 }  // namespace morvil

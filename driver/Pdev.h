@@ -64,7 +64,4 @@ bool isInstance(DHPDEV dhpdev);
 // aborted. Records the surface in the instance.
 PDEV* validInstance(SURFOBJ* pso);
 
-// Whether the job of the surface's instance was found aborted by an earlier validation.
-bool jobAborted(const SURFOBJ* pso);
-
 }  // namespace morvil

@@ -1,6 +1,5 @@
 // bands.cpp - walks a banded page: the engine renders the page once per band and asks for the next one's origin.
 #include "driver/Hooks.h"
-#include "driver/Pdev.h"
 #include "driver/State.h"
 #include "driver/guard.h"
 #include "driver/job_writer.h"
@@ -28,9 +27,9 @@ void logNextBand(const SURFOBJ* pso, const POINTL* origin) {
               kLogEnd);
 }
 
-// An aborted page has bands missing and must not reach the job application.
-void finishPage(const SURFOBJ* pso) {
-    if (!jobAborted(pso)) completeJob();
+// A page whose last band did not come through has a hole in it and must not reach the job application.
+void finishPage(bool sent) {
+    if (sent) completeJob();
     logMorvil(1, kInformation, TEXT("DrvNextBand finished through Bitmap size"), kLogEnd);
 }
 
@@ -43,8 +42,8 @@ BOOL nextBand(SURFOBJ* pso, POINTL* origin) {
     POINTL next{0, static_cast<LONG>(state().uiBandPosition)};
     if (state().uiBandPosition >= state().configuration.size.pixelHeight) {
         next = {-1, -1};
+        finishPage(result != FALSE);
         result = FALSE;
-        finishPage(pso);
     }
     if (origin != nullptr) *origin = next;
     logMorvil(1, kInformation, TEXT("DrvNextBand finished, x=%ld, y=%ld"), next.x, next.y, kLogEnd);

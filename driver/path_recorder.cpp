@@ -15,8 +15,8 @@ namespace {
 constexpr int kClosingPoint = -1;  // flags of the point that closes a figure
 constexpr PixelOffset kNoOffset{0, 0};
 
-CMvPath& recorder(const WCHAR* folder) {
-    if (!state().path) state().path = std::make_unique<CMvPath>(folder);
+CMvPath& recorder() {
+    if (!state().path) state().path = std::make_unique<CMvPath>(CMvConfig().driverDataFolder());
     return *state().path;
 }
 
@@ -79,8 +79,7 @@ void putStoreAway(CMvPath& store) {
 }  // namespace
 
 BOOL strokeRecorded(PATHOBJ& path, std::uint32_t colour, bool banded) {
-    const CMvConfig folders;
-    CMvPath& store = recorder(folders.driverDataFolder());
+    CMvPath& store = recorder();
     recordPath(path, store);
     logRend(1, kInformation, TEXT("DrvStrokePath 2, cPoint=%u, cCurves=%d"), store.pointCount(), path.cCurves, kLogEnd);
     const bool written = writeCurves(store, colour, banded);
