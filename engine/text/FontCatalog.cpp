@@ -14,6 +14,9 @@ namespace {
 struct PatternDeleter {
     void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
 };
+struct ConfigDeleter {
+    void operator()(FcConfig* config) const { FcConfigDestroy(config); }
+};
 struct CharSetDeleter {
     void operator()(FcCharSet* set) const { FcCharSetDestroy(set); }
 };
@@ -59,7 +62,7 @@ void addText(FcPattern* pattern, const char* object, const char* text) {
     FcPatternAddString(pattern, object, reinterpret_cast<const FcChar8*>(text));
 }
 
-std::optional<FontFile> match(const LOGFONTW& wanted, std::optional<char32_t> character) {
+std::optional<FontFile> match(FcConfig* config, const LOGFONTW& wanted, std::optional<char32_t> character) {
     constexpr int kNormal = 400;
     constexpr int kHeaviest = 1000;
     const Pattern pattern(FcPatternCreate());
@@ -78,10 +81,10 @@ std::optional<FontFile> match(const LOGFONTW& wanted, std::optional<char32_t> ch
         FcCharSetAddChar(set.get(), *character);
         FcPatternAddCharSet(pattern.get(), FC_CHARSET, set.get());
     }
-    FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
+    FcConfigSubstitute(config, pattern.get(), FcMatchPattern);
     FcDefaultSubstitute(pattern.get());
     FcResult result = FcResultNoMatch;
-    const Pattern found(FcFontMatch(nullptr, pattern.get(), &result));
+    const Pattern found(FcFontMatch(config, pattern.get(), &result));
     FcChar8* path = nullptr;
     if (!found || FcPatternGetString(found.get(), FC_FILE, 0, &path) != FcResultMatch) return std::nullopt;
 
@@ -99,8 +102,21 @@ std::optional<FontFile> match(const LOGFONTW& wanted, std::optional<char32_t> ch
 
 }  // namespace
 
-std::optional<FontFile> FontCatalog::find(const LOGFONTW& wanted) const { return match(wanted, std::nullopt); }
+struct FontCatalog::Members {
+    std::unique_ptr<FcConfig, ConfigDeleter> config;
 
-std::optional<FontFile> FontCatalog::findWith(const LOGFONTW& wanted, char32_t character) const { return match(wanted, character); }
+    // A machine whose configuration cannot be read has no fonts.
+    std::optional<FontFile> find(const LOGFONTW& wanted, std::optional<char32_t> character) {
+        if (!config) config.reset(FcInitLoadConfigAndFonts());
+        return config ? match(config.get(), wanted, character) : std::nullopt;
+    }
+};
+
+FontCatalog::FontCatalog() : m(std::make_unique<Members>()) {}
+FontCatalog::~FontCatalog() = default;
+
+std::optional<FontFile> FontCatalog::find(const LOGFONTW& wanted) { return m->find(wanted, std::nullopt); }
+
+std::optional<FontFile> FontCatalog::findWith(const LOGFONTW& wanted, char32_t character) { return m->find(wanted, character); }
 
 }  // namespace morvil::engine

@@ -1,7 +1,9 @@
 // FontCatalog.h - which font file of this machine stands for a font that a document asks for. Asks fontconfig, whose
-// configuration says what replaces a family that is not installed. No state of its own; printing thread only.
+// configuration says what replaces a family that is not installed. Owns that configuration, which is loaded when the first font is
+// asked for; printing thread only.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -18,10 +20,19 @@ struct FontFile {
 
 class FontCatalog {
   public:
+    FontCatalog();
+    ~FontCatalog();
+    FontCatalog(const FontCatalog&) = delete;
+    FontCatalog& operator=(const FontCatalog&) = delete;
+
     // The nearest scalable font; none only on a machine without any.
-    [[nodiscard]] std::optional<FontFile> find(const LOGFONTW& wanted) const;
+    [[nodiscard]] std::optional<FontFile> find(const LOGFONTW& wanted);
     // The nearest one that holds the character; may be one that does not when no font does.
-    [[nodiscard]] std::optional<FontFile> findWith(const LOGFONTW& wanted, char32_t character) const;
+    [[nodiscard]] std::optional<FontFile> findWith(const LOGFONTW& wanted, char32_t character);
+
+  private:
+    struct Members;
+    std::unique_ptr<Members> m;
 };
 
 }  // namespace morvil::engine
