@@ -78,6 +78,13 @@ void createDefaultPlotkeeperConfig(const Path& folder, const Path& ini) {
 
 }  // namespace
 
+CMvConfig::Path dataRootIn(const CMvConfig::Path& commonFolder) {
+    if (commonFolder[0] == 0) logMorvil(1, kError, TEXT("CMvConfig::buildPathCommon Error common"), kLogEnd);
+    if (viewOf(commonFolder).size() > kMostFolderCharacters)
+        logMorvil(1, kError, TEXT("CMvConfig::buildPathCommon Error length path"), kLogEnd);
+    return joined(commonFolder, TEXT("\\Morvil"));
+}
+
 CMvConfig::CMvConfig() {
     buildPathCommon();
     buildPathJobApplication();
@@ -85,10 +92,7 @@ CMvConfig::CMvConfig() {
 }
 
 void CMvConfig::buildPathCommon() {
-    const Path common = systemFolder(CSIDL_COMMON_APPDATA | CSIDL_FLAG_CREATE);
-    if (common[0] == 0) logMorvil(1, kError, TEXT("CMvConfig::buildPathCommon Error common"), kLogEnd);
-    if (viewOf(common).size() > kMostFolderCharacters) logMorvil(1, kError, TEXT("CMvConfig::buildPathCommon Error length path"), kLogEnd);
-    m_dataRoot = joined(common, TEXT("\\Morvil"));
+    m_dataRoot = dataRootIn(systemFolder(CSIDL_COMMON_APPDATA | CSIDL_FLAG_CREATE));
     m_commonFiles = joined(m_dataRoot, TEXT("\\Common Files"));
     m_mainIni = joined(m_dataRoot, TEXT("\\morvil.ini"));
     m_debugIni = joined(m_dataRoot, TEXT("\\mvDebug.ini"));

@@ -61,4 +61,7 @@ class CMvConfig {
     Path m_diagnosticsFile{};
 };
 
+// The data root inside the common application-data folder; empty when that is not known or too long, which is logged.
+CMvConfig::Path dataRootIn(const CMvConfig::Path& commonFolder);
+
 }  // namespace morvil
