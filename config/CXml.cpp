@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "config/DebugSwitches.h"
 #include "config/ItemPath.h"
 #include "config/MvMutex.h"
 #include "config/ParsedDocumentCache.h"
@@ -25,8 +26,8 @@ WStringView attributeName(const WCHAR* attribute) {
 }
 
 // A debug switch lengthens the time for which the lock is held.
-void sleepAsConfigured(const WCHAR* key) {
-    if (const int milliseconds = getDebugValue(key); milliseconds > 0) Sleep(static_cast<DWORD>(milliseconds));
+void sleepAsConfigured(const DebugSwitches& switches, const WCHAR* key) {
+    if (const int milliseconds = switches.value(key); milliseconds > 0) Sleep(static_cast<DWORD>(milliseconds));
 }
 
 // The file beside `path` that is written first. Of the same length, so that a path that fits still fits. Only the holder of
@@ -75,7 +76,9 @@ auto* elementAt(Document& document, const ItemPath& item) {
 }  // namespace
 
 struct CXml::Members {
-    MvMutex mutex{kConfigurationMutex};
+    explicit Members(const DebugSwitches& switches) : mutex(kConfigurationMutex, switches) {}
+
+    MvMutex mutex;
     WString path;
     ParsedDocumentCache* cache = nullptr;         // where `document` may be shared with
     std::shared_ptr<const XmlDocument> document;  // null: the file could not be read
@@ -166,7 +169,7 @@ bool CXml::Members::store(bool startAfresh) {
             return false;
         }
         debugPrint(TEXT(" CXml::archive, got Mutex\n"));
-        sleepAsConfigured(TEXT("MvXmlSleep2"));
+        sleepAsConfigured({}, TEXT("MvXmlSleep2"));
         if (document == nullptr || path.empty() || path.size() > kMostPathCharacters || !convertsWhole(path)) return false;
         if (startAfresh) DeleteFileW(path.c_str());
         WString text;
@@ -179,36 +182,39 @@ bool CXml::Members::store(bool startAfresh) {
 
 CXml::CXml() {
     debugPrint(TEXT("CXml::CXml 1\n"));
-    m = std::make_unique<Members>();
-    m->path = CMvConfig().configurationFile();
-    reload();
+    open(CMvConfig().configurationFile(), nullptr);
 }
 
 CXml::CXml(const WCHAR* path) {
     debugPrint(TEXT("CXml::CXml 2\n"));
-    m = std::make_unique<Members>();
-    m->path = viewOf(path);
-    reload();
+    open(path, nullptr);
 }
 
 CXml::CXml(ParsedDocumentCache& cache) {
     debugPrint(TEXT("CXml::CXml 1\n"));
-    m = std::make_unique<Members>();
-    m->path = cache.path();
-    m->cache = &cache;
-    reload();
+    open(cache.path(), &cache);
+}
+
+void CXml::open(const WCHAR* path, ParsedDocumentCache* cache) {
+    const DebugSwitches switches;
+    m = std::make_unique<Members>(switches);
+    m->path = viewOf(path);
+    m->cache = cache;
+    load(switches);
 }
 
 CXml::~CXml() { debugPrint(TEXT("CXml::~CXml\n")); }
 
-bool CXml::reload() {
+bool CXml::reload() { return load({}); }
+
+bool CXml::load(const DebugSwitches& switches) {
     debugPrint(TEXT("CXml::reload"));
     bool done = false;
     try {
         const MvMutexLock lock(m->mutex);
         if (lock.held()) {
             debugPrint(TEXT(" CXml::reload, got Mutex\n"));
-            sleepAsConfigured(TEXT("MvXmlSleep1"));
+            sleepAsConfigured(switches, TEXT("MvXmlSleep1"));
             if (!m->read()) return false;
             done = true;
         } else {

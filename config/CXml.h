@@ -12,6 +12,7 @@
 
 namespace morvil {
 
+class DebugSwitches;
 class ParsedDocumentCache;
 
 class CXml {
@@ -57,6 +58,8 @@ class CXml {
   private:
     struct Members;
 
+    void open(const WCHAR* path, ParsedDocumentCache* cache);
+    bool load(const DebugSwitches& switches);
     bool archiveChange();
 
     std::unique_ptr<Members> m;

@@ -11,8 +11,12 @@ constexpr DWORD kPauseBetweenAttempts = 1000;  // milliseconds
 
 }  // namespace
 
-MvMutex::MvMutex(const WCHAR* name) {
-    if (const int timeout = getDebugValue(TEXT("MvMutexTimeOut")); timeout >= 0) m_timeout = timeout;
+MvMutex::MvMutex(const WCHAR* name, const DebugSwitches& switches) {
+    if (debugOutputWanted()) {
+        m_processId = GetCurrentProcessId();
+        m_threadId = GetCurrentThreadId();
+    }
+    if (const int timeout = switches.value(TEXT("MvMutexTimeOut")); timeout >= 0) m_timeout = timeout;
     for (int attempt = 1; attempt <= kOpenAttempts; ++attempt) {
         open(name);
         if (m_handle != nullptr) return;

@@ -2,6 +2,7 @@
 // Owns its handle. The timeout is looked up once, when the mutex is opened. One thread at a time.
 #pragma once
 
+#include "config/DebugSwitches.h"
 #include "platform/platform.h"
 
 namespace morvil {
@@ -11,7 +12,7 @@ inline constexpr const WCHAR* kConfigurationMutex = TEXT("Global\\PRINTERCONFIGS
 class MvMutex {
   public:
     // Opens the mutex or creates it, not owned. When that cannot be done every wait fails.
-    explicit MvMutex(const WCHAR* name);
+    explicit MvMutex(const WCHAR* name, const DebugSwitches& switches = {});
     ~MvMutex();
     MvMutex(const MvMutex&) = delete;
     MvMutex& operator=(const MvMutex&) = delete;
@@ -27,8 +28,8 @@ class MvMutex {
 
     HANDLE m_handle = nullptr;
     int m_timeout = 10000;  // milliseconds
-    DWORD m_processId = GetCurrentProcessId();
-    DWORD m_threadId = GetCurrentThreadId();
+    DWORD m_processId = 0;  // of the creator; for the texts alone, so not asked for when nobody can see them
+    DWORD m_threadId = 0;
 };
 
 class MvMutexLock {

@@ -1,6 +1,7 @@
 #include "config/ParsedDocumentCache.h"
 
 #include "config/CMvConfig.h"
+#include "config/MvMutex.h"
 #include "config/XmlFile.h"
 #include "config/XmlParser.h"
 
@@ -18,6 +19,7 @@ const WCHAR* ParsedDocumentCache::path() {
 }
 
 std::shared_ptr<const XmlDocument> ParsedDocumentCache::load() {
+    if (m_keptOpen == nullptr) m_keptOpen.reset(OpenMutexW(SYNCHRONIZE, FALSE, kConfigurationMutex));
     readFileBytes(path(), kLargestConfigurationFile, m_fresh);
     if (m_document != nullptr && m_fresh == m_bytes) return m_document;
     m_bytes.swap(m_fresh);

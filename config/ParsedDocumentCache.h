@@ -26,11 +26,17 @@ class ParsedDocumentCache {
     [[nodiscard]] std::uint64_t generation() const { return m_generation; }
 
   private:
+    struct CloseMutex {
+        void operator()(HANDLE mutex) const { CloseHandle(mutex); }
+    };
+
     WString m_path;
     std::vector<std::uint8_t> m_bytes;
     std::vector<std::uint8_t> m_fresh;  // the two change places, so that a load takes no memory
     std::shared_ptr<const XmlDocument> m_document;
     std::uint64_t m_generation = 0;
+    // Never waited for: as long as somebody has the mutex open, opening it again is quick.
+    std::unique_ptr<void, CloseMutex> m_keptOpen;
 };
 
 // A file beyond this size is no configuration and counts as missing: every change of an item writes the whole file anew.

@@ -71,13 +71,33 @@ class Parser {
     void stop() { m_at = m_text.size(); }
 
     void skipBlanks() {
-        while (m_at < m_text.size() && isBlank(m_text[m_at])) ++m_at;
+        std::size_t at = m_at;
+        while (at < m_text.size() && isBlank(m_text[at])) ++at;
+        m_at = at;
     }
 
     WStringView takeName() {
         const std::size_t start = m_at;
-        while (m_at < m_text.size() && belongsToName(m_text[m_at])) ++m_at;
-        return m_text.substr(start, m_at - start);
+        std::size_t at = start;
+        while (at < m_text.size() && belongsToName(m_text[at])) ++at;
+        m_at = at;
+        return {m_text.data() + start, at - start};
+    }
+
+    // The literal that begins with the quote at this place, normalised; none when the text ends inside it.
+    std::optional<WStringView> takeLiteral() {
+        const WCHAR quote = m_text[m_at];
+        const std::size_t start = m_at + 1;
+        bool blanks = false;
+        for (std::size_t at = start; at < m_text.size(); ++at) {
+            const WCHAR unit = m_text[at];
+            blanks = blanks || isBlank(unit);
+            if (unit != quote) continue;
+            m_at = at + 1;
+            const WStringView literal(m_text.data() + start, at - start);
+            return blanks ? normalised(literal) : literal;
+        }
+        return std::nullopt;
     }
 
     // The part of the text up to `closing`, or to the end when it is not there; goes on behind it.
@@ -130,20 +150,20 @@ class Parser {
         return belongsToName(second) || second == TEXT('/') || second == TEXT('?') || second == TEXT('!');
     }
 
-    [[nodiscard]] std::size_t endOfText() const {
-        const WStringView ends = inSubset() ? TEXT("<]") : TEXT("<");
-        std::size_t at = m_text.find_first_of(ends, m_at);
-        while (at != WStringView::npos && m_text[at] == TEXT('<') && !opensMarkup(at)) at = m_text.find_first_of(ends, at + 1);
-        return std::min(at, m_text.size());
+    // Whether text ends at this place.
+    [[nodiscard]] bool endsText(std::size_t at) const {
+        return (m_text[at] == TEXT('<') && opensMarkup(at)) || (m_text[at] == TEXT(']') && inSubset());
     }
 
     // Up to the next markup. Blanks alone make no node.
     void readText() {
+        skipBlanks();
         const std::size_t start = m_at;
-        m_at = endOfText();
-        const WStringView text = m_text.substr(start, m_at - start);
-        if (!trimmed(text).empty()) addValueNode(XmlType::Text, text);
-        if (inSubset() && unitAt(m_at) == TEXT(']')) leaveSubset();
+        std::size_t at = start;
+        while (at < m_text.size() && !endsText(at)) ++at;
+        m_at = at;
+        if (at > start) addValueNode(XmlType::Text, m_text.substr(start, at - start));
+        if (unitAt(m_at) == TEXT(']') && inSubset()) leaveSubset();
     }
 
     void readMarkup() {
@@ -216,10 +236,8 @@ class Parser {
             skipBlanks();
             const WCHAR quote = unitAt(m_at);
             if (quote == TEXT('"') || quote == TEXT('\'')) {
-                const std::size_t end = m_text.find(quote, m_at + 1);
-                if (end == WStringView::npos) return false;
-                value = normalised(m_text.substr(m_at + 1, end - m_at - 1));
-                m_at = end + 1;
+                value = takeLiteral();
+                if (!value) return false;
             }
         }
         XmlAttribute* const attribute = m_document.newAttribute(name, value);
