@@ -4,14 +4,19 @@
 
 namespace morvil {
 
+// One pass over the text, its end included: an item is looked up some hundred times for each configuration that is loaded.
 ItemPath::ItemPath(const WCHAR* path) {
-    WStringView left = viewOf(path);
-    if (left.size() > kMostCharacters) return;
-    while (!left.empty() && m_count < kMostNames) {
-        const std::size_t end = std::min(left.find(TEXT('.')), left.size());
-        if (end > 0) m_names[m_count++] = left.substr(0, std::min(end, kMostNameCharacters));
-        left.remove_prefix(std::min(end + 1, left.size()));
+    if (path == nullptr) return;
+    const WCHAR* start = path;
+    for (const WCHAR* at = path;; ++at) {
+        if (static_cast<std::size_t>(at - path) > kMostCharacters) break;
+        if (*at != TEXT('.') && *at != 0) continue;
+        const auto length = static_cast<std::size_t>(at - start);
+        if (length > 0 && m_count < kMostNames) m_names[m_count++] = {start, std::min(length, kMostNameCharacters)};
+        if (*at == 0) return;
+        start = at + 1;
     }
+    m_count = 0;  // too long
 }
 
 }  // namespace morvil

@@ -1,6 +1,7 @@
 #include "config/XmlDocument.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <type_traits>
 
@@ -15,14 +16,19 @@ namespace {
 // each character, a file of noise needs hardly any.
 std::size_t firstBlock(std::size_t characters) { return std::clamp<std::size_t>(characters * 4, 1024, std::size_t{256} * 1024); }
 
+// Compared as bytes, which is quicker than unit by unit.
+bool same(WStringView one, WStringView other) {
+    return one.size() == other.size() && (one.empty() || std::memcmp(one.data(), other.data(), one.size() * sizeof(WCHAR)) == 0);
+}
+
 const XmlAttribute* attributeOf(const XmlNode& node, WStringView name) {
     for (const XmlAttribute& attribute : node.attributes) {
-        if (attribute.name == name) return &attribute;
+        if (same(attribute.name, name)) return &attribute;
     }
     return nullptr;
 }
 
-bool isElement(const XmlNode& node, WStringView name) { return node.type == XmlType::Element && node.name == name; }
+bool isElement(const XmlNode& node, WStringView name) { return node.type == XmlType::Element && node.name && same(*node.name, name); }
 
 const XmlNode* elementOf(const XmlNode& node, WStringView name) {
     for (const XmlNode& child : node.children) {
@@ -40,7 +46,7 @@ XmlAttribute* findAttribute(XmlNode& node, WStringView name) { return const_cast
 
 const XmlNode* nextSameElement(const XmlNode& node) {
     for (const XmlNode* at = node.next; at != nullptr; at = at->next) {
-        if (at->type == XmlType::Element && at->name == node.name) return at;
+        if (node.name && isElement(*at, *node.name)) return at;
     }
     return nullptr;
 }

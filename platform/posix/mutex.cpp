@@ -244,12 +244,13 @@ std::string fileNameOf(WStringView name) {
     for (const char byte : toUtf8(name)) {
         const bool plain =
             (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_' || byte == '-';
+        if (plain) {
+            out += byte;
+            continue;
+        }
         std::array<char, 4> number{};
         std::snprintf(number.data(), number.size(), "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(byte)));
-        if (plain)
-            out += byte;
-        else
-            out += number.data();
+        out += number.data();
     }
     return out + ".lock";
 }
