@@ -7,26 +7,29 @@ namespace morvil::engine {
 
 namespace {
 
-// Every figure ends where it began.
-Path closedPath(const Path& path) {
-    Path closed;
+// Back within the range of coordinates.
+POINTFIX limited(POINTFIX point) { return toFix(fromFix(point)); }
+
+// The same figures with all points in range; `closeAll`: every figure ends where it began.
+Path copyOf(const Path& path, bool closeAll) {
+    Path copy;
     for (const Subpath& figure : path.subpaths()) {
         if (figure.points.empty()) continue;
-        closed.moveTo(figure.points[0]);
+        copy.moveTo(limited(figure.points[0]));
         std::size_t next = 1;
         for (const SegmentKind kind : figure.segments) {
             if (kind == SegmentKind::Line) {
-                closed.lineTo(figure.points[next]);
+                copy.lineTo(limited(figure.points[next]));
                 next += 1;
             } else {
-                closed.bezierTo(figure.points[next], figure.points[next + 1], figure.points[next + 2]);
+                copy.bezierTo(limited(figure.points[next]), limited(figure.points[next + 1]), limited(figure.points[next + 2]));
                 next += 3;
             }
         }
-        closed.close();
+        if (closeAll || figure.closed) copy.close();
     }
-    if (path.isEllipse()) closed.markEllipse();
-    return closed;
+    if (path.isEllipse()) copy.markEllipse();
+    return copy;
 }
 
 }  // namespace
@@ -59,7 +62,7 @@ void Player::fillPath(const Record&) { fillNow(takePath()); }
 
 void Player::strokePath(const Record&) { strokeNow(takePath()); }
 
-void Player::strokeAndFillPath(const Record&) { strokeAndFillNow(closedPath(takePath())); }
+void Player::strokeAndFillPath(const Record&) { strokeAndFillNow(copyOf(takePath(), true)); }
 
 void Player::flattenPath(const Record&) {
     if (m_bracket != Bracket::Finished) throw DamagedRecord("there is no finished path");
@@ -72,7 +75,7 @@ void Player::widenPath(const Record&) {
     if (m_bracket != Bracket::Finished) throw DamagedRecord("there is no finished path");
     const Pen pen = realisePen();
     if (pen.null || !pen.geometric) return;
-    m_path = morvil::engine::widenPath(m_path, pen, logicalToPage().toXform());
+    m_path = copyOf(morvil::engine::widenPath(m_path, pen, logicalToPage().toXform()), false);  // the outline may lie farther out
     m_pathIsEllipse = false;
 }
 

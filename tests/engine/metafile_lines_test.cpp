@@ -284,6 +284,17 @@ TEST(MetafilePath, widen_turnsWideLinesIntoOutlinesAndLeavesThinOnes) {
     EXPECT_NEAR(box.left / 16.0, 0.0, 0.5);  // round ends
 }
 
+TEST(MetafilePath, widenedAtTheEdgeOfTheRange_staysWithin) {
+    MetafileBuilder builder;
+    builder.add(emr::kCREATEPEN, {1, 0, 1000, 0, 0}).add(emr::kSELECTOBJECT, {1}).add(emr::kBEGINPATH);
+    builder.add(emr::kMOVETOEX, {INT32_MAX, 0}).add(emr::kLINETO, {INT32_MAX, 500}).add(emr::kENDPATH).add(emr::kWIDENPATH);
+    const auto calls = playCleanly(builder.add(emr::kSTROKEANDFILLPATH, Bytes().zeros(16))).calls;
+    ASSERT_EQ(calls.size(), 1U);
+    const RECTL box = calls[0].path.bounds();
+    EXPECT_EQ(box.right, 67108863 * 16 + 1);
+    EXPECT_LT(box.left, 67108863 * 16 - 400 * 16);
+}
+
 TEST(MetafilePath, abort_forgetsThePath) {
     MetafileBuilder builder;
     builder.add(emr::kBEGINPATH).add(emr::kLINETO, {5, 5}).add(emr::kABORTPATH).add(emr::kLINETO, {6, 6});
