@@ -101,9 +101,9 @@ std::optional<PageSetup> setUpPage(const PaperChoice& paper, const engine::Metaf
     const unsigned dpi = record.resolution;
     if (!checkSize(page.paperWidth, page.paperHeight, dpi, reason)) return std::nullopt;
     page.drawingFits = width <= page.paperWidth + kTolerance && height <= page.paperHeight + kTolerance;
-    // The drawing keeps its own size and lies in the upper left corner.
+    // The drawing keeps its own size and lies in the upper left corner; frame and target both include their edges.
     const auto pixels = [dpi](double millimetres) { return static_cast<LONG>(std::lround(std::min(millimetres / 25.4 * dpi, 1e7))); };
-    page.target = {0, 0, std::max<LONG>(1, pixels(width)), std::max<LONG>(1, pixels(height))};
+    page.target = {0, 0, std::max<LONG>(1, pixels(width) - 1), std::max<LONG>(1, pixels(height) - 1)};
     page.devmode = makeDevmode(record, printerName, page.paperWidth, page.paperHeight, paper.kind != PaperChoice::Kind::Stored, copies);
     return page;
 }

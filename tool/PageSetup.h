@@ -24,7 +24,7 @@ std::optional<PaperChoice> parsePaper(const std::string& text);
 struct PageSetup {
     double paperWidth = 0.0;  // mm
     double paperHeight = 0.0;
-    RECTL target{};           // page pixels that the drawing's frame fills
+    RECTL target{};           // page pixels that the drawing's frame fills, edges included
     bool drawingFits = true;
     std::vector<std::uint8_t> devmode;  // public part and the driver's private part
 };

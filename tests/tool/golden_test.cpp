@@ -56,7 +56,6 @@ const GoldenCase kGolden[] = {
     {"bracket-relief", "bracket.emf", {std::string(kMode) + "4000"}},
     {"bracket-layer", "bracket.emf", {std::string(kMode) + "5000"}},
     {"bracket-stamp", "bracket.emf", {std::string(kMode) + "2000"}},
-    {"bracket-truecolour", "bracket.emf", {std::string(kMode) + "9000"}},
     {"bracket-vectors", "bracket.emf", {"PrinterDriver.Configuration.Print.Process.ProcessOption.VectorJob=1"}},
 };
 INSTANTIATE_TEST_SUITE_P(Jobs, Golden, testing::ValuesIn(kGolden), [](const auto& tested) {

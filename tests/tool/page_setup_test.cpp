@@ -70,8 +70,8 @@ TEST(PageSetup, drawing_gives_the_paper_in_tenths_rounded_up) {
     EXPECT_EQ(mode.dmPaperWidth, 1235);
     EXPECT_EQ(mode.dmPaperLength, 600);
     EXPECT_EQ(mode.dmCopies, 3);
-    EXPECT_EQ(page->target.right, 2430);   // 123.45 mm at 500 dpi
-    EXPECT_EQ(page->target.bottom, 1181);
+    EXPECT_EQ(page->target.right, 2429);  // 123.45 mm at 500 dpi are 2430 pixels, the last one included
+    EXPECT_EQ(page->target.bottom, 1180);
     EXPECT_TRUE(page->drawingFits);
     ConfigurationRecord carried{};
     std::memcpy(&carried, page->devmode.data() + 232, sizeof(carried));
