@@ -58,8 +58,9 @@ bool replaceFile(const WString& path, WStringView text) {
     return false;
 }
 
-// Whether the path can be said in the narrow code page, in which the output file is opened.
-bool convertsWhole(WStringView path) {
+// Whether a file can be written there: the path fits and can be said whole in the narrow code page, in which it is opened.
+bool isUsable(WStringView path) {
+    if (path.empty() || path.size() > kMostPathCharacters) return false;
     return std::all_of(path.begin(), path.end(), [](WCHAR unit) { return unit <= 0xFF; });
 }
 
@@ -170,7 +171,10 @@ bool CXml::Members::store(bool startAfresh) {
         }
         debugPrint(TEXT(" CXml::archive, got Mutex\n"));
         sleepAsConfigured({}, TEXT("MvXmlSleep2"));
-        if (document == nullptr || path.empty() || path.size() > kMostPathCharacters || !convertsWhole(path)) return false;
+        if (document == nullptr || !isUsable(path)) {
+            debugPrint(TEXT("!!! CXml::archive, invalid document or path (%s)\n"), path);
+            return false;
+        }
         if (startAfresh) DeleteFileW(path.c_str());
         WString text;
         writeXml(document->root(), text, 0, true);

@@ -189,6 +189,7 @@ TEST_F(StoreFaults, a_path_that_the_narrow_code_page_lacks_is_not_written) {
     CXml xml(kGreek);
     EXPECT_EQ(itemA(xml), "old");
     EXPECT_FALSE(xml.putItem(TEXT("PrinterDriver.A"), TEXT("new")));
+    EXPECT_THAT(texts(), Contains("!!! CXml::archive, invalid document or path (C:\\Ω.xml)\n"));
     EXPECT_EQ(readBytes(kGreek), kOld);
 }
 
