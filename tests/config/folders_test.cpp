@@ -200,6 +200,13 @@ TEST_F(Folders, the_application_path_loses_its_last_character_whatever_it_is) {
     }
 }
 
+TEST_F(Folders, the_work_path_loses_a_backslash_only) {
+    for (const WCHAR* stored : {TEXT("C:\\work\\"), TEXT("C:\\work")}) {
+        setJobIni(TEXT("UserSetup"), TEXT("WorkPath"), stored);
+        EXPECT_EQ(toUtf8(CMvConfig().workFolder()), "C:\\work");
+    }
+}
+
 TEST_F(Folders, a_data_path_takes_the_job_folders_place) {
     setJobIni(TEXT("UserSetup"), TEXT("DataPath"), TEXT("C:\\data\\"));
     EXPECT_EQ(toUtf8(CMvConfig().jobApplicationFolder()), "C:\\data");

@@ -207,10 +207,12 @@ TEST_F(MvString, asBoolean_takes_words_and_anything_that_begins_as_a_number) {
     const struct {
         const WCHAR* text;
         bool value;
-    } accepted[] = {{TEXT("1"), true},           {TEXT("0"), false},     {TEXT("2"), true},    {TEXT("-1"), true},   {TEXT("0x10"), true},
-                    {TEXT("0x0"), false},        {TEXT(" 7abc"), true},  {TEXT("TRUE"), true}, {TEXT("True"), true}, {TEXT("true"), true},
-                    {TEXT("False"), false},      {TEXT("FALSE"), false}, {TEXT("010"), true},  {TEXT("08"), false},  {TEXT("0xg"), false},
-                    {TEXT("4294967296"), false}, {TEXT("+3"), true}};
+    } accepted[] = {{TEXT("1"), true},           {TEXT("0"), false},     {TEXT("2"), true},
+                    {TEXT("-1"), true},          {TEXT("0x10"), true},   {TEXT("0x0"), false},
+                    {TEXT(" 7abc"), true},       {TEXT("TRUE"), true},   {TEXT("True"), true},
+                    {TEXT("true"), true},        {TEXT("False"), false}, {TEXT("FALSE"), false},
+                    {TEXT("010"), true},         {TEXT("08"), false},    {TEXT("0xg"), false},
+                    {TEXT("4294967296"), false}, {TEXT("+3"), true},     {TEXT("18446744073709551616"), true}};
     for (const auto& text : accepted) EXPECT_EQ(m_string.asBoolean(text.text), text.value) << toUtf8(text.text);
     EXPECT_THAT(m_capture.texts(), IsEmpty());
 }

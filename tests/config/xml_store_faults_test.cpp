@@ -150,6 +150,15 @@ TEST_F(StoreFaults, a_full_disk_keeps_the_old_file_and_leaves_nothing_beside_it)
     EXPECT_EQ(readBytes(kFile), kNew);
 }
 
+// What is in the way of the default file is removed first: on a full disk that makes the room for it.
+TEST_F(StoreFaults, the_old_file_does_not_outlive_create_default) {
+    CXml xml(kFile);
+    const FailingCalls full(1, Fault::Persistent, "write");
+    EXPECT_FALSE(xml.createDefault());
+    EXPECT_FALSE(test::exists(kFile));
+    EXPECT_FALSE(test::exists(kBeside));
+}
+
 TEST_F(StoreFaults, the_new_file_is_on_the_disk_before_it_takes_the_old_ones_place) {
     CXml xml(kFile);
     static std::vector<std::string> calls;
