@@ -102,6 +102,10 @@ DitherCell ditherCell(std::span<const COLORREF> entries, COLORREF colour) {
         const Channels got = channelsOf(entries.empty() ? 0 : entries[nearest]);
         error = {aim.red - got.red, aim.green - got.green, aim.blue - got.blue};
         index = static_cast<std::uint8_t>(nearest);
+        if (error.red == 0 && error.green == 0 && error.blue == 0 && &index == chosen.data()) {
+            chosen.fill(index);  // the palette holds the colour
+            return chosen;
+        }
     }
     std::stable_sort(chosen.begin(), chosen.end(), [entries](std::uint8_t a, std::uint8_t b) {
         return !entries.empty() && brightness(entries[a]) > brightness(entries[b]);
@@ -111,24 +115,51 @@ DitherCell ditherCell(std::span<const COLORREF> entries, COLORREF colour) {
     return cell;
 }
 
-DitheredColour::DitheredColour(std::vector<COLORREF> entries) : m_entries(std::move(entries)) {
-    for (std::size_t i = 0; i < m_entries.size(); ++i) m_exact.emplace(m_entries[i], static_cast<ULONG>(i));
+DitheredColour::DitheredColour(const std::vector<COLORREF>& entries) {
+    bool onlyGreys = true;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (!m_exact.insert(entries[i]).second) continue;
+        m_entries.push_back(entries[i]);
+        m_indices.push_back(static_cast<std::uint8_t>(i));
+        const Channels c = channelsOf(entries[i]);
+        onlyGreys = onlyGreys && c.red == c.green && c.green == c.blue;
+    }
+    constexpr std::size_t kManyColours = 32;
+    if (onlyGreys) {
+        m_sharing = Sharing::Sum;
+    } else if (m_entries.size() > kManyColours) {
+        m_sharing = Sharing::Neighbours;
+    }
+}
+
+COLORREF DitheredColour::keyOf(COLORREF colour) const {
+    if (m_sharing == Sharing::Sum) {
+        // The distance to a grey g is 3 g^2 - 2 g (red + green + blue) and a part that is the same for all greys.
+        const Channels c = channelsOf(colour);
+        const auto sum = static_cast<unsigned>(c.red + c.green + c.blue);
+        return RGB(sum / 3, (sum + 1) / 3, (sum + 2) / 3);
+    }
+    if (m_sharing == Sharing::Neighbours && !m_exact.contains(colour)) {
+        constexpr COLORREF kHighBits = 0xFCFCFC;
+        return (colour & kHighBits) | ((colour & kHighBits) >> 6 & ~kHighBits & kColourBits);  // from 0 to 255 in 64 steps
+    }
+    return colour;
+}
+
+DitherCell DitheredColour::makeCell(COLORREF key) const {
+    DitherCell cell = ditherCell(m_entries, key);
+    for (std::uint8_t& index : cell) index = m_indices.empty() ? std::uint8_t{0} : m_indices[index];
+    return cell;
 }
 
 const DitherCell& DitheredColour::cell(COLORREF colour) {
     colour &= kColourBits;
     if (colour == m_lastColour && m_lastCell != nullptr) return *m_lastCell;
-    auto found = m_cells.find(colour);
+    const COLORREF key = keyOf(colour);
+    auto found = m_cells.find(key);
     if (found == m_cells.end()) {
         if (m_cells.size() >= kMostCells) m_cells.clear();  // bounds memory; a picture of that many colours computes some again
-        const auto exact = m_exact.find(colour);
-        DitherCell cell{};
-        if (exact != m_exact.end()) {
-            cell.fill(static_cast<std::uint8_t>(exact->second));
-        } else {
-            cell = ditherCell(m_entries, colour);
-        }
-        found = m_cells.emplace(colour, cell).first;
+        found = m_cells.emplace(key, makeCell(key)).first;
     }
     m_lastColour = colour;
     m_lastCell = &found->second;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "engine/Objects.h"
@@ -47,7 +48,7 @@ DitherCell ditherCell(std::span<const COLORREF> entries, COLORREF colour);
 
 class DitheredColour {
   public:
-    explicit DitheredColour(std::vector<COLORREF> entries);
+    explicit DitheredColour(const std::vector<COLORREF>& entries);
     const DitherCell& cell(COLORREF colour);
     ULONG operator()(COLORREF colour, LONG x, LONG y) { return cell(colour)[cellPosition(x, y)]; }
     // The cell lies fixed on the surface, also left of and above its origin.
@@ -56,9 +57,18 @@ class DitheredColour {
     }
 
   private:
-    static constexpr std::size_t kMostCells = std::size_t{1} << 17;
-    std::vector<COLORREF> m_entries;
-    std::unordered_map<COLORREF, ULONG> m_exact;
+    // Colours that share a cell. On greys alone only the sum of red, green and blue matters; on many colours those that the
+    // palette lacks share their cell with neighbours, which keeps the number of searches bounded.
+    enum class Sharing : std::uint8_t { None, Sum, Neighbours };
+
+    [[nodiscard]] COLORREF keyOf(COLORREF colour) const;
+    [[nodiscard]] DitherCell makeCell(COLORREF key) const;
+
+    static constexpr std::size_t kMostCells = std::size_t{1} << 18;
+    std::vector<COLORREF> m_entries;      // each colour once
+    std::vector<std::uint8_t> m_indices;  // of those entries, the lowest that the palette has
+    std::unordered_set<COLORREF> m_exact;
+    Sharing m_sharing = Sharing::None;
     std::unordered_map<COLORREF, DitherCell> m_cells;
     COLORREF m_lastColour = 0xFFFFFFFF;
     const DitherCell* m_lastCell = nullptr;

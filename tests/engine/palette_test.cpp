@@ -107,3 +107,38 @@ TEST_F(Palettes, exactColours_areNotDithered) {
     DitheredColour twice({0x000000, 0xFFFFFF, 0xFFFFFF});
     EXPECT_EQ(twice(0xFFFFFF, -1, -9), 1U);
 }
+
+TEST_F(Palettes, sharedCells_areThoseOfTheColourItself) {
+    // On greys colours of one sum share a cell, and that is no approximation.
+    Random random(12);
+    const std::vector<COLORREF> greys = {0x000000, 0x404040, 0xFFFFFF, 0x909090, 0x404040};
+    DitheredColour dithered(greys);
+    for (int i = 0; i < 3000; ++i) {
+        const COLORREF colour = random.next() & 0xFFFFFF;
+        EXPECT_EQ(dithered.cell(colour), ditherCell(greys, colour)) << std::hex << colour;
+    }
+    // Few colours: each has its own cell.
+    const std::vector<COLORREF> few = {0x000000, 0xFFFFFF, 0x0000FF, 0x00FF00, 0xFF0000, 0xFFFFFF};
+    DitheredColour fewDithered(few);
+    for (int i = 0; i < 3000; ++i) {
+        const COLORREF colour = random.next() & 0xFFFFFF;
+        EXPECT_EQ(fewDithered.cell(colour), ditherCell(few, colour)) << std::hex << colour;
+    }
+}
+
+TEST_F(Palettes, manyColours_shareCellsWithNeighboursButAreExactWhereTheyCan) {
+    Random random(13);
+    std::vector<COLORREF> entries;
+    for (unsigned i = 0; i < 200; ++i) entries.push_back(random.next() & 0xFFFFFF);
+    DitheredColour dithered(entries);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        EXPECT_EQ(dithered(entries[i], 3, 5), nearestIndex(entries, entries[i]));
+    }
+    for (int i = 0; i < 300; ++i) {
+        const COLORREF colour = random.next() & 0xFCFCFC;
+        const COLORREF neighbour = colour | 0x010203;
+        EXPECT_EQ(dithered.cell(colour), dithered.cell(neighbour));
+        const COLORREF middle = colour | ((colour >> 6) & 0x030303);
+        EXPECT_EQ(dithered.cell(colour), ditherCell(entries, middle));
+    }
+}
