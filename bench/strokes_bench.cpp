@@ -2,7 +2,8 @@
 //   stroke/1000/check:1   one polygon of 5 points on a job of 1,000 (10,000, 100,000) polygons, duplicate check on (off), colour
 //                         matching on, logging off; the file complete on disk after each
 //   duplicate/100000      a polygon that stands in the job already and is dropped
-//   bare_append           open, append and close of the same bytes, with nothing around it
+//   bare_append           open, append and close of the same bytes by the system's own calls, with nothing around it
+//   stream_append         the same through the stream that the job writer uses
 // To hold: stroke/100000 at most 1.5 times stroke/1000, and at most 5 times bare_append.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -13,6 +14,7 @@
 
 #include "Workplace.h"
 #include "jobfile/CSpoolFile.h"
+#include "platform/common/FileStream.h"
 
 namespace morvil::bench {
 
@@ -20,6 +22,9 @@ namespace {
 
 constexpr std::uint32_t kPoints = 5;
 constexpr int kStrokes = 20000;  // measured; few beside what the largest job holds
+
+constexpr std::string_view kBytes =
+    "<DrawPolygon: 5;255;0;0;10100;102;10600;102;10600;402;10100;402;10100;102>\r\n<EndGroup: DrawCommands>\r\n";
 
 // A closed rectangle, another one for each number.
 struct Rectangle {
@@ -82,14 +87,23 @@ BENCHMARK(duplicate)->Arg(1000)->Arg(100000)->Iterations(kStrokes);
 void bare_append(benchmark::State& state) {
     Job job(0);
     const std::string file = Workplace::hostPath(job.writer.jobFilePath()).string() + ".bare";
-    const std::string bytes = "<DrawPolygon: 5;255;0;0;10100;102;10600;102;10600;402;10100;402;10100;102>\r\n<EndGroup: DrawCommands>\r\n";
     for ([[maybe_unused]] auto _ : state) {
         const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
-        if (::write(descriptor, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) state.SkipWithError("the disk is full");
+        if (::write(descriptor, kBytes.data(), kBytes.size()) != static_cast<ssize_t>(kBytes.size())) state.SkipWithError("the disk is full");
         ::close(descriptor);
     }
 }
 BENCHMARK(bare_append)->Iterations(kStrokes);
+
+void stream_append(benchmark::State& state) {
+    Job job(0);
+    const WString file = WString(job.writer.jobFilePath()) + TEXT(".bare");
+    for ([[maybe_unused]] auto _ : state) {
+        FileStream stream(file.c_str(), OpenMode::Append);
+        if (!stream.write(kBytes)) state.SkipWithError("the disk is full");
+    }
+}
+BENCHMARK(stream_append)->Iterations(kStrokes);
 
 }  // namespace
 
