@@ -100,7 +100,7 @@ class FileMutex final : public NamedMutex {
 
 bool FileMutex::openFile(bool create) {
     m_file = create ? openLockFile(m_path) : platformCalls().open(m_path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, 0);
-    m_process = ::getpid();
+    m_process = static_cast<pid_t>(GetCurrentProcessId());
     return m_file >= 0;
 }
 
@@ -123,7 +123,7 @@ bool FileMutex::open(bool create, bool& existed) {
 }
 
 bool FileMutex::adoptAfterFork() {
-    if (m_process == ::getpid()) return true;
+    if (m_process == static_cast<pid_t>(GetCurrentProcessId())) return true;
     closeFile();
     m_owner = 0;
     m_depth = 0;
@@ -228,7 +228,7 @@ DWORD FileMutex::wait(DWORD duration) {
 bool FileMutex::release() {
     {
         const std::lock_guard guard(m_lock);
-        if (m_process != ::getpid() || m_owner != GetCurrentThreadId() || m_depth == 0) return false;
+        if (m_process != static_cast<pid_t>(GetCurrentProcessId()) || m_owner != GetCurrentThreadId() || m_depth == 0) return false;
         if (--m_depth > 0) return true;
         (void)::pwrite(m_file, &kFree, 1, 0);
         (void)lockByte(F_UNLCK, kOwnershipByte);

@@ -2,12 +2,14 @@
 // same user (or the caller is root), as can one that the host state lists; it has one module, its program; the user name is
 // that of the impersonated user while the thread impersonates one; GetVersionExW tells what the host state says.
 // Refuses: process number 0 (ERROR_INVALID_PARAMETER), processes of others (ERROR_ACCESS_DENIED), modules beyond the first.
+#include <pthread.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -20,6 +22,16 @@
 namespace morvil {
 
 namespace {
+
+// The numbers of this process and of each thread, asked for once; a forked child asks anew.
+std::atomic<DWORD> thisProcess = 0;
+thread_local DWORD thisThread = 0;
+
+void forgetNumbers() {
+    thisProcess = 0;
+    thisThread = 0;  // of the thread that forked, the only one that the child has
+}
+[[maybe_unused]] const int atFork = ::pthread_atfork(nullptr, nullptr, forgetNumbers);
 
 std::string processFolder(DWORD process) { return "/proc/" + std::to_string(process); }
 
@@ -91,8 +103,16 @@ Account accountOf(std::uint32_t user) {
 
 using namespace morvil;
 
-DWORD GetCurrentProcessId() { return static_cast<DWORD>(::getpid()); }
-DWORD GetCurrentThreadId() { return static_cast<DWORD>(::syscall(SYS_gettid)); }
+DWORD GetCurrentProcessId() {
+    DWORD number = thisProcess.load(std::memory_order_relaxed);
+    if (number == 0) thisProcess.store(number = static_cast<DWORD>(::getpid()), std::memory_order_relaxed);
+    return number;
+}
+
+DWORD GetCurrentThreadId() {
+    if (thisThread == 0) thisThread = static_cast<DWORD>(::syscall(SYS_gettid));
+    return thisThread;
+}
 HANDLE GetCurrentProcess() { return INVALID_HANDLE_VALUE; }  // the platform's pseudo-handle has this value, too
 
 HANDLE OpenProcess(DWORD, BOOL, DWORD processId) {
