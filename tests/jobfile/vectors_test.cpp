@@ -395,6 +395,21 @@ TEST_F(JobVectors, lines_of_a_million_characters_never_match) {
     EXPECT_FALSE(polygon(*writer, pointsFor(999'999)));
 }
 
+TEST_F(JobVectors, a_line_of_a_million_characters_hides_what_stands_in_it) {
+    const auto writer = begin();
+    const std::string job = bytesOf(*writer);
+    const auto lineOf = [](std::size_t characters, const std::string& command) {  // the line feed counts, the return does not
+        return command + std::string(characters - command.size() - 1, 'x') + "\r\n";
+    };
+    writeBytes(writer->jobFilePath(), job + lineOf(1'000'000, "<DrawPolygon: 1;255;0;0;7;8>") +
+                                          lineOf(999'999, "<DrawPolygon: 1;255;0;0;9;9>") +
+                                          lineOf(3'000'000, "<DrawPolygon: 1;255;0;0;5;5>") + "<DrawPolygon: 1;255;0;0;6;6>");
+    EXPECT_FALSE(polygon(*writer, {9, 9}));
+    EXPECT_FALSE(polygon(*writer, {6, 6}));  // the last line needs no end
+    EXPECT_TRUE(polygon(*writer, {7, 8}));
+    EXPECT_TRUE(polygon(*writer, {5, 5}));
+}
+
 TEST_F(JobVectors, lines_that_somebody_else_wrote_are_seen) {
     const auto writer = begin();
     EXPECT_TRUE(polygon(*writer, {1, 2}));
