@@ -136,6 +136,22 @@ TEST_F(Stroke, clip_changesNoPixelInside) {
     }
 }
 
+TEST_F(Stroke, styleOfALineThatLeavesTheClip_runsOnOutside) {
+    Path path = line(at(0, 1), at(33, 1));
+    path.lineTo(at(33, 3));
+    path.lineTo(at(0, 3));
+    Pen pen;
+    pen.style = {5, 2};
+    EngineSurface& whole = makeBitmap(40, 5, BMF_8BPP);
+    stroke(whole, path, pen);
+    EngineSurface& clipped = makeBitmap(40, 5, BMF_8BPP);
+    EngineClip clip = makeClip(Region(RECTL{0, 0, 12, 5}), {0, 0, 40, 5}, {0, 0, 40, 5});
+    strokeCosmetic(clipped, path, clip, solidBrush(1), pen, 13);
+    for (LONG y = 0; y < 5; ++y) {
+        for (LONG x = 0; x < 40; ++x) EXPECT_EQ(pixelAt(clipped, x, y), x < 12 ? pixelAt(whole, x, y) : 0) << x << ',' << y;
+    }
+}
+
 TEST_F(Stroke, styles_takeTurnsAndStartAgainAtEachFigure) {
     Pen dashed;
     dashed.style = {3, 2};
