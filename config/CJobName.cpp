@@ -45,8 +45,9 @@ void CJobName::setPrinterConfig(const ConfigurationRecord* record) {
 
 void CJobName::getDirectories() {
     const CMvConfig config;
-    m_folders = {asFolder(viewOf(config.spoolFolder())), asFolder(viewOf(config.workFolder())), asFolder(config.fallbackSpoolFolder())};
+    m_folders = {asFolder(viewOf(config.spoolFolder())), asFolder(viewOf(config.workFolder())), {}};
     if (!folderExists(config.spoolFolder())) {
+        m_folders.fallback = asFolder(config.fallbackSpoolFolder());  // made here, so only when it is needed
         m_folders.spool = m_folders.fallback;
         line(kError, TEXT("CJobName::GetDirectories, can't access Spool Directory"));
     }

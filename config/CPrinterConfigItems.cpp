@@ -101,8 +101,12 @@ bool ConfigurationItems::put(const keys::TextKey& key, WStringView value) {
     return put(pathOf(key.path), value);
 }
 
+bool ConfigurationItems::storable(WStringView value) {
+    return value.size() < CXml::kValueCharacters && value.find_first_of(TEXT("<&\"")) == WStringView::npos;
+}
+
 bool ConfigurationItems::put(const WString& path, WStringView value, const WCHAR* attribute) {
-    if (value.size() >= CXml::kValueCharacters || value.find_first_of(TEXT("<&\"")) != WStringView::npos) return false;
+    if (!storable(value)) return false;
     return m_store.putItem(path.c_str(), WString(value).c_str(), attribute);
 }
 

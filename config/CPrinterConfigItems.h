@@ -58,6 +58,8 @@ class ConfigurationItems {
     bool put(const keys::NumberKey<T>& key, T value);
     bool put(const keys::BooleanKey& key, bool value);
     bool put(const keys::TextKey& key, WStringView value);
+    // Whether the file can hold the text: no markup of the file, and short enough to be read back.
+    static bool storable(WStringView value);
     // Refuses what the file cannot hold: nothing is escaped in it, so "<", "&" and quotation marks would break it.
     bool put(const WString& path, WStringView value, const WCHAR* attribute = keys::kValue);
     // Removes an element with everything below it; true when there is none.

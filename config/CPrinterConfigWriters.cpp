@@ -25,7 +25,7 @@ bool put(Items& items, const keys::NumberKey<T>& key, V value) {
 }  // namespace
 
 bool CPrinterConfig::setSizeTemplate(const SizeTemplate& size) {
-    if (!fits(keys::kWidth, size.width) || !fits(keys::kHeight, size.height)) return false;
+    if (!fits(keys::kWidth, size.width) || !fits(keys::kHeight, size.height) || !Items::storable(viewOf(size.name))) return false;
     return m->write([&](Items& items) {
         return items.put(keys::kWidth, size.width) && items.put(keys::kHeight, size.height) &&
                put(items, keys::kTemplateIndex, size.index) && items.put(keys::kTakeFromApplication, size.takeFromApplication != 0) &&
@@ -121,6 +121,9 @@ bool CPrinterConfig::setQuickPrint(bool on) {
 }
 
 bool CPrinterConfig::setJobIdentification(const JobIdentification& job) {
+    bool storable = Items::storable(viewOf(job.name));
+    for (const auto& list : job.formats) storable = storable && Items::storable(viewOf(list));
+    if (!storable) return false;
     return m->write([&](Items& items) {
         if (!put(items, keys::kJobIndex, job.index) || !put(items, keys::kJobNumber, job.number)) return false;
         if (!items.put(keys::kJobName, viewOf(job.name))) return false;
@@ -138,7 +141,7 @@ bool CPrinterConfig::setBezier(const BezierBlock& bezier) {
 }
 
 bool CPrinterConfig::setPrintingApplication(const PrintingApplication& application) {
-    if (!fits(keys::kApplicationId, application.processId)) return false;
+    if (!fits(keys::kApplicationId, application.processId) || !Items::storable(viewOf(application.name))) return false;
     return m->write([&](Items& items) {
         return put(items, keys::kApplicationId, application.processId) && items.put(keys::kApplicationName, viewOf(application.name));
     });

@@ -22,9 +22,10 @@ std::shared_ptr<const XmlDocument> ParsedDocumentCache::load() {
     if (m_keptOpen == nullptr) m_keptOpen.reset(OpenMutexW(SYNCHRONIZE, FALSE, kConfigurationMutex));
     readFileBytes(path(), kLargestConfigurationFile, m_fresh);
     if (m_document != nullptr && m_fresh == m_bytes) return m_document;
+    m_document.reset();  // first: bytes and document must belong together even if parsing runs out of memory
+    ++m_generation;
     m_bytes.swap(m_fresh);
     m_document = parseFileBytes(m_bytes);
-    ++m_generation;
     return m_document;
 }
 

@@ -47,6 +47,7 @@ Millimetres userDefinedSize(const PDEV& pdev) {
 
 Millimetres systemPaperSize(const PDEV& pdev, int index) {
     Millimetres size = configuredSize(pdev);
+    if (isLandscape(pdev.plotDM.dm)) std::swap(size.width, size.height);  // what the caller exchanges again: an unknown form keeps it
     int width = 0;
     int height = 0;
     if (MvSystemPapers::getSizeDimensions(index, &width, &height)) size = {static_cast<FLOAT>(width), static_cast<FLOAT>(height)};

@@ -24,10 +24,10 @@ struct EnableRequest {
     HANDLE hPrinter;
 };
 
-// The private devmode, when one of full length stands behind the public part; null otherwise.
+// The private devmode, when one of full length stands behind the public part; null otherwise. The driver's own length alone
+// decides: the public part is of the size that this driver was built with.
 const PlotDM* privateDevmode(const DEVMODEW* devmode) {
     if (devmode == nullptr || devmode->dmDriverExtra < kPrivateDevmodeBytes) return nullptr;
-    if (std::size_t{devmode->dmSize} + devmode->dmDriverExtra < sizeof(PlotDM)) return nullptr;
     return reinterpret_cast<const PlotDM*>(devmode);
 }
 

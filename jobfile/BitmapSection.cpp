@@ -64,10 +64,14 @@ bool CSpoolFile::CreateBitmap(int modeBits) {
     if (m->hasBitmapSection()) {
         {
             const LentStream lent(m->bitmap, file);
-            m->bitmap.CreateBitmap(typeOf(m->config), m->config.size.pixelWidth, m->config.size.pixelHeight);
+            const bool made = m->bitmap.CreateBitmap(typeOf(m->config), m->config.size.pixelWidth, m->config.size.pixelHeight);
             m->bitmapPixel = file.tell();
-            if ((modeBits & kFillWhite) != 0) m->bitmap.Fill(kWhite);
+            const bool fill = made && (modeBits & kFillWhite) != 0;
+            if (fill) m->bitmap.Fill(kWhite);
             m->bitmapEnd = file.tell();
+            // A page that the section refuses, or whose pixel area could not be filled, makes no job.
+            const bool filled = !fill || m->bitmapEnd == m->bitmapPixel + std::int64_t{m->bitmap.imageSize()};
+            m->isWhole = made && filled && m->isWhole;
         }
         m->isWhole = !file.failed() && file.close() && m->isWhole;
         if (const auto behind = m->closeBitmapSection()) m->vectors.placeAt(*behind);
