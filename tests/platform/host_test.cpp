@@ -182,7 +182,7 @@ TEST_F(HostTest, home_comesFromTheEnvironment) {
     EXPECT_EQ(homeWith("HOME", "/home/user/"), "/home/user/.local/share/morvil");
     EXPECT_EQ(homeWith("XDG_DATA_HOME", "relative"), "/home/user/.local/share/morvil") << "a relative data folder is not one";
     EXPECT_EQ(homeWith("XDG_DATA_HOME", "/data"), "/data/morvil");
-    EXPECT_EQ(homeWith("MORVIL_HOME", "/root/"), "/root");
+    EXPECT_EQ(homeWith("MORVIL_HOME", "/srv/data/"), "/srv/data");
     ::unsetenv("MORVIL_HOME");
     ::unsetenv("XDG_DATA_HOME");
     ::setenv("HOME", homeBefore.c_str(), 1);
