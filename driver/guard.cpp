@@ -3,6 +3,7 @@
 #include <new>
 
 #include "config/CPrinterConfig.h"
+#include "driver/State.h"
 #include "driver/log/Log.h"
 
 namespace morvil {
@@ -33,6 +34,8 @@ void reportException(const WCHAR* entryPoint) noexcept {
     } catch (...) {  // the log line itself found no memory
         error = ERROR_NOT_ENOUGH_MEMORY;
     }
+    // What the interrupted call should have put into the job is missing there.
+    if (state().spoolFile) state().spoolFile->MarkDamaged();
     SetLastError(error);
 }
 

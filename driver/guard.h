@@ -1,5 +1,6 @@
 // guard.h - the border towards the engine: an entry point's work runs inside guarded(), which turns every exception (a failed
-// allocation too) into a log line, a last error and the entry point's failing result.
+// allocation too) into a log line, a last error and the entry point's failing result. The job that was being written is then
+// not given to the job application: a call that ended half-way has left something out of it.
 #pragma once
 
 #include "platform/platform.h"

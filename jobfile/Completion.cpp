@@ -78,4 +78,6 @@ void CSpoolFile::Members::giveAway() {
 
 void CSpoolFile::Abort() { m->discard(); }
 
+void CSpoolFile::MarkDamaged() { m->isWhole = false; }
+
 }  // namespace morvil

@@ -36,8 +36,9 @@ EngineXlate makeTranslation(const EngineSurface& target, const EngineSurface& so
     if (targetLayout) palette->mode = PAL_BGR;
     result.target = palette;
     result.iDstType = static_cast<USHORT>(palette->mode);
-    // A coloured source on two colours keeps what has the background colour apart from all the rest.
-    const bool toMono = bitsOf(target) == 1 && bitsOf(source) > 1;
+    // A plain monochrome bitmap keeps what has the background colour apart from all the rest; a one-bit surface with a palette of
+    // its own, as a device's page is, takes the nearer of its two colours, so that a picture stays one.
+    const bool toMono = bitsOf(target) == 1 && target.palette == nullptr && bitsOf(source) > 1;
 
     if (const auto sourceLayout = directLayoutOf(source)) {
         result.iSrcType = PAL_BGR;

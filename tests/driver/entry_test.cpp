@@ -145,6 +145,18 @@ TEST_F(Entry, an_exception_never_leaves_a_hook) {
     EXPECT_THAT(morvilLog(), Contains("!!! DrvStartPage unexpected exception"));
 }
 
+TEST_F(Entry, a_page_that_lost_a_call_to_an_exception_makes_no_job) {
+    startPage();
+    engine.throws = true;
+    EXPECT_EQ(DrvFillPath(pso, nullptr, nullptr, nullptr, nullptr, 0, 0), FALSE);
+    engine.throws = false;
+    EXPECT_EQ(DrvSendPage(pso), TRUE);
+    EXPECT_THAT(jobFileNames(), IsEmpty());
+    EXPECT_EQ(DrvStartPage(pso), TRUE);  // the next page is a job of its own
+    EXPECT_EQ(DrvSendPage(pso), TRUE);
+    EXPECT_EQ(jobFileNames().size(), 1U);
+}
+
 TEST_F(Entry, an_exception_never_leaves_the_instance_calls) {
     engine.throws = true;
     DEVINFO info{};

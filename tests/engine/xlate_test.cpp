@@ -92,6 +92,19 @@ TEST_F(Translation, colourOnTwoColours_keepsTheBackgroundApart) {
     EXPECT_EQ(translated(to, indexed, 200), 0U);  // beyond the table: its last entry
 }
 
+// A page of one bit has the device's palette: pictures keep their lights and darks.
+TEST_F(Translation, colourOnTwoColoursOfAPalette_takesTheNearer) {
+    EngineSurface& to = makeBitmap(1, 1, BMF_1BPP);
+    givePalette(to, {0x000000, 0xFFFFFF});
+    EngineSurface& direct = makeBitmap(1, 1, BMF_24BPP);
+    EXPECT_EQ(translated(to, direct, 0xE0E0E0), 1U);
+    EXPECT_EQ(translated(to, direct, 0x202020), 0U);
+    EngineSurface& indexed = makeBitmap(1, 1, BMF_8BPP);
+    givePalette(indexed, {0xF0F0F0, 0x101010});
+    EXPECT_EQ(translated(to, indexed, 0), 1U);
+    EXPECT_EQ(translated(to, indexed, 1), 0U);
+}
+
 TEST_F(Translation, directToIndexed_takesTheNearestEntry) {
     EngineSurface& to = makeBitmap(1, 1, BMF_8BPP);
     givePalette(to, {0x000000, 0xFFFFFF, RGB(255, 0, 0), RGB(255, 0, 0)});
