@@ -13,7 +13,7 @@ namespace {
 
 std::string number(std::uint32_t value, std::size_t bytes) {
     std::string text;
-    for (std::size_t i = 0; i < bytes; ++i) text.push_back(i < 4 ? static_cast<char>((value >> (8 * i)) & 0xFF) : 0);
+    for (std::size_t i = 0; i < bytes; ++i) text.push_back(i < 4 ? static_cast<char>((value >> (8 * i)) & 0xFF) : '\0');
     return text;
 }
 
