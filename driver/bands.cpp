@@ -27,9 +27,10 @@ void logNextBand(const SURFOBJ* pso, const POINTL* origin) {
               kLogEnd);
 }
 
-// A page whose last band did not come through has a hole in it and must not reach the job application.
+// A page whose last band did not come through has a hole in it: its completion runs like any other, but gives nothing away.
 void finishPage(bool sent) {
-    if (sent) completeJob();
+    if (!sent && state().spoolFile) state().spoolFile->MarkDamaged();
+    completeJob();
     logMorvil(1, kInformation, TEXT("DrvNextBand finished through Bitmap size"), kLogEnd);
 }
 

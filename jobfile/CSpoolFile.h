@@ -38,7 +38,6 @@ class CSpoolFile {
 
     // Finishes the page's job: the process mode's work, shrinking, the final name.
     bool Complete();
-    bool TraceBitmap(const std::uint8_t* pageBits, std::uint32_t width, std::uint32_t height, std::uint32_t yOffset);
     // The document was aborted: an unfinished file is removed.
     void Abort();
     // Something that belongs into the page's file was lost outside the writer: the file is not given to the job application.

@@ -3,12 +3,11 @@
 
 #include "engine/Pixels.h"
 #include "engine/canvas/DriverCanvas.h"
+#include "engine/canvas/Mix.h"
 
 namespace morvil::engine {
 
 namespace {
-
-MIX mixOf(int rop2) { return static_cast<MIX>(rop2) | (static_cast<MIX>(rop2) << 8); }
 
 FLONG optionsOf(FillMode mode) { return mode == FillMode::Alternate ? FP_ALTERNATEMODE : FP_WINDINGMODE; }
 

@@ -7,13 +7,11 @@
 #include "engine/Pixels.h"
 #include "engine/canvas/DriverCanvas.h"
 #include "engine/canvas/LineAttributes.h"
+#include "engine/canvas/Mix.h"
 
 namespace morvil::engine {
 
 namespace {
-
-// The low byte is the code for the foreground, the next one for the background.
-MIX mixOf(int rop2) { return static_cast<MIX>(rop2) | (static_cast<MIX>(rop2) << 8); }
 
 // A geometric line up to this many device pixels wide is a line without width: nobody could tell its outline from it, and to
 // a cutting machine it is the path that counts. See docs/engine-choices.md.

@@ -1,6 +1,7 @@
 // texts.cpp - text on the driver's surface, as positioned one-bit glyphs.
 #include "engine/Pixels.h"
 #include "engine/canvas/DriverCanvas.h"
+#include "engine/canvas/Mix.h"
 
 namespace morvil::engine {
 
@@ -26,7 +27,7 @@ void DriverCanvas::textOut(const GlyphRun& run, COLORREF colour, const RECTL* op
     EngineClip clipObject = makeClip(clip(), surfaceBounds(), surfaceBounds());
     FONTOBJ font{};
     font.iUniq = run.font;
-    constexpr MIX kCopyMix = 0x0D0D;
+    constexpr MIX kCopyMix = mixOf(13);
     const bool offered = hooked(HOOK_TEXTOUT) && m_target.driver->textOut != nullptr;
     const auto call = offered ? m_target.driver->textOut : &EngTextOut;
     outcomeOf(call(m_target.surface, &text, &font, &clipObject, nullptr, opaque != nullptr ? &opaqueInBand : nullptr, &fore, &back, &fore.origin, kCopyMix),

@@ -88,13 +88,15 @@ TEST_F(Bands, a_band_that_ends_with_the_page_is_the_last) {
     EXPECT_EQ(origin.y, -1);
 }
 
-TEST_F(Bands, an_aborted_page_is_not_completed) {
+TEST_F(Bands, an_aborted_page_is_completed_without_a_job) {
     startBanded(40);
     POINTL origin{};
     EXPECT_EQ(DrvNextBand(pso, &origin), TRUE);
     engine.aborted = true;
+    clearLogs();
     EXPECT_EQ(DrvNextBand(pso, &origin), FALSE);
-    EXPECT_THAT(jobFileNames(), ElementsAre("Plan.tsa"));
+    EXPECT_THAT(morvilLog(), Contains("SpoolFile ProcessMode=Standard"));
+    EXPECT_THAT(jobFileNames(), testing::IsEmpty());
 }
 
 TEST_F(Bands, the_next_band_starts_empty) {
