@@ -2,6 +2,9 @@
 
 #include "driver/State.h"
 #include "driver/log/Log.h"
+#include "raster/BitmapDump.h"
+#include "raster/BitmapInfo.h"
+#include "raster/ImageOperations.h"
 
 namespace morvil {
 
@@ -17,6 +20,8 @@ void chooseAlgorithm(ConfigurationRecord& configuration) {
     }
 }
 
+bool dumpsWanted() { return state().configuration.dumpBitmaps != 0; }
+
 }  // namespace
 
 PageBits surfaceBits(const SURFOBJ& surface) {
@@ -29,12 +34,14 @@ void tracePage(const SURFOBJ& /*surface*/) {}
 void adjustColours(SURFOBJ& surface) {
     logMorvil(1, kInformation, TEXT("DrvSendPage ColorAdjustment"), kLogEnd);
     dumpSurface(surface, TEXT("colorAdjustment_"));
+    doColorAdjustment(surface, state().configuration.halftone.adjustment);
     dumpSurface(surface, TEXT("colorAdjustment_"));
     logMorvil(1, kInformation, TEXT("DrvSendPage ImageOperations finished"), kLogEnd);
 }
 
-void flipHorizontal(SURFOBJ& /*surface*/) {
+void flipHorizontal(SURFOBJ& surface) {
     logMorvil(1, kInformation, TEXT("DrvSendPage Flip Horizontal"), kLogEnd);
+    doFlipHorizontal(surface);
     logMorvil(1, kInformation, TEXT("DrvSendPage Flip Horizontal finished"), kLogEnd);
 }
 
@@ -46,8 +53,14 @@ PageBits halftone(SURFOBJ& surface) {
     return page;
 }
 
-void dumpSurface(const SURFOBJ& /*surface*/, const WCHAR* /*prefix*/) {}
+void dumpSurface(const SURFOBJ& surface, const WCHAR* prefix) {
+    if (dumpsWanted()) dumpSurface(bitmapOf(surface), prefix);
+}
 
-void dumpThreePartBitmap(const SURFOBJ& /*surface*/) {}
+void dumpThreePartBitmap(const SURFOBJ& surface) {
+    if (!dumpsWanted()) return;
+    const PageBits bits = surfaceBits(surface);
+    dumpBitmap3(bitmapOf(surface), {bits.bits, bits.bits == nullptr ? 0 : bits.bytes});
+}
 
 }  // namespace morvil

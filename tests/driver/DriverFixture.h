@@ -10,6 +10,7 @@
 
 #include "config/CPrinterConfig.h"
 #include "driver/FakeEngine.h"
+#include "driver/FakeMemoryDc.h"
 #include "driver/Hooks.h"
 #include "driver/Pdev.h"
 #include "driver/State.h"
@@ -49,6 +50,7 @@ class DriverTest : public testing::Test {
 
     TempHome home;
     FakeEngine engine;
+    FakeMemoryDc contexts;
     DebugCapture debug;
     HANDLE printer = nullptr;
     PDEV* pdev = nullptr;
