@@ -209,7 +209,7 @@ void CXml::open(const WCHAR* path, ParsedDocumentCache* cache) {
 
 CXml::~CXml() { debugPrint(TEXT("CXml::~CXml\n")); }
 
-bool CXml::reload() { return load({}); }
+bool CXml::reload() { return load(m->cache != nullptr ? m->cache->switches() : DebugSwitches()); }
 
 bool CXml::load(const DebugSwitches& switches) {
     debugPrint(TEXT("CXml::reload"));

@@ -1,9 +1,12 @@
 #include "config/ParsedDocumentCache.h"
 
+#include <algorithm>
+
 #include "config/CMvConfig.h"
 #include "config/MvMutex.h"
 #include "config/XmlFile.h"
 #include "config/XmlParser.h"
+#include "platform/common/FileStream.h"
 
 namespace morvil {
 
@@ -18,8 +21,16 @@ const WCHAR* ParsedDocumentCache::path() {
     return m_path.c_str();
 }
 
+// One byte more is asked for than was there, so that a single call tells a file that has grown as well.
+bool ParsedDocumentCache::readsTheSame() {
+    FileStream file(path(), OpenMode::Read);
+    m_fresh.resize(m_bytes.size() + 1);
+    return file.readOnce(m_fresh) == m_bytes.size() && std::equal(m_bytes.begin(), m_bytes.end(), m_fresh.begin());
+}
+
 std::shared_ptr<const XmlDocument> ParsedDocumentCache::load() {
     if (m_keptOpen == nullptr) m_keptOpen.reset(OpenMutexW(SYNCHRONIZE, FALSE, kConfigurationMutex));
+    if (m_document != nullptr && readsTheSame()) return m_document;
     readFileBytes(path(), kLargestConfigurationFile, m_fresh);
     if (m_document != nullptr && m_fresh == m_bytes) return m_document;
     m_document.reset();  // first: bytes and document must belong together even if parsing runs out of memory
@@ -27,6 +38,16 @@ std::shared_ptr<const XmlDocument> ParsedDocumentCache::load() {
     m_bytes.swap(m_fresh);
     m_document = parseFileBytes(m_bytes);
     return m_document;
+}
+
+const DebugSwitches& ParsedDocumentCache::switches() {
+    constexpr DWORD kGoodFor = 100;  // milliseconds
+    const DWORD now = GetTickCount();
+    if (!m_switches || now - m_switchesTick >= kGoodFor) {
+        m_switches.emplace();
+        m_switchesTick = now;
+    }
+    return *m_switches;
 }
 
 std::shared_ptr<XmlDocument> ParsedDocumentCache::copy() const { return parseFileBytes(m_bytes); }

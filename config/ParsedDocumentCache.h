@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "config/DebugSwitches.h"
 #include "config/XmlDocument.h"
 
 namespace morvil {
@@ -22,6 +24,10 @@ class ParsedDocumentCache {
     // A document of its own of the bytes that were loaded last; null when there is no memory.
     [[nodiscard]] std::shared_ptr<XmlDocument> copy() const;
 
+    // The debug switches. Whether there is a file of them is asked ten times a second at the most: the question costs as much as
+    // reading the configuration, and whoever puts the file there does it by hand.
+    const DebugSwitches& switches();
+
     // Goes up by one each time the bytes of the file have changed: what was worked out from them holds as long as it stays.
     [[nodiscard]] std::uint64_t generation() const { return m_generation; }
 
@@ -30,11 +36,15 @@ class ParsedDocumentCache {
         void operator()(HANDLE mutex) const { CloseHandle(mutex); }
     };
 
+    bool readsTheSame();
+
     WString m_path;
     std::vector<std::uint8_t> m_bytes;
     std::vector<std::uint8_t> m_fresh;  // the two change places, so that a load takes no memory
     std::shared_ptr<const XmlDocument> m_document;
     std::uint64_t m_generation = 0;
+    std::optional<DebugSwitches> m_switches;
+    DWORD m_switchesTick = 0;
     // Never waited for: as long as somebody has the mutex open, opening it again is quick.
     std::unique_ptr<void, CloseMutex> m_keptOpen;
 };

@@ -45,7 +45,7 @@ bool VectorSection::writeEmpty(const WCHAR* jobFile) {
 bool VectorSection::open(const WCHAR* jobFile) {
     empty(m_pending);
     if (!m_file.open(jobFile, OpenMode::Update)) return false;
-    m_fileSize = m_file.size();
+    m_fileSize = m_file.sizeAtEnd();
     return true;
 }
 

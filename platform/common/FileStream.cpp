@@ -59,16 +59,20 @@ bool FileStream::close() {
 
 std::size_t FileStream::read(std::span<std::uint8_t> out) {
     std::size_t total = 0;
-    while (isOpen() && total < out.size()) {
-        DWORD got = 0;
-        if (ReadFile(m_handle, out.data() + total, static_cast<DWORD>(std::min(kPiece, out.size() - total)), &got, nullptr) == FALSE) {
-            m_failed = true;
-            break;
-        }
+    while (total < out.size()) {
+        const std::size_t got = readOnce(out.subspan(total));
         if (got == 0) break;
         total += got;
     }
     return total;
+}
+
+std::size_t FileStream::readOnce(std::span<std::uint8_t> out) {
+    DWORD got = 0;
+    if (!isOpen() || out.empty()) return 0;
+    if (ReadFile(m_handle, out.data(), static_cast<DWORD>(std::min(kPiece, out.size())), &got, nullptr) != FALSE) return got;
+    m_failed = true;
+    return 0;
 }
 
 std::optional<std::vector<std::uint8_t>> FileStream::readAll(std::uint64_t limit) {
@@ -108,9 +112,13 @@ bool FileStream::seek(std::int64_t position) {
     return isOpen() && position >= 0 && SetFilePointerEx(m_handle, distance, nullptr, FILE_BEGIN) != FALSE;
 }
 
-bool FileStream::seekToEnd() {
+bool FileStream::seekToEnd() { return sizeAtEnd() >= 0; }
+
+std::int64_t FileStream::sizeAtEnd() {
     const LARGE_INTEGER distance{};
-    return isOpen() && SetFilePointerEx(m_handle, distance, nullptr, FILE_END) != FALSE;
+    LARGE_INTEGER end{};
+    if (!isOpen() || SetFilePointerEx(m_handle, distance, &end, FILE_END) == FALSE) return -1;
+    return end.QuadPart;
 }
 
 std::int64_t FileStream::tell() {

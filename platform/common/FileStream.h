@@ -38,6 +38,8 @@ class FileStream {
 
     // Reads up to out.size() bytes; the count read, 0 at the end of the file or on an error (which sets failed()).
     std::size_t read(std::span<std::uint8_t> out);
+    // The same with a single call of the system: a count below out.size() means the end of the file, 0 an error as well.
+    std::size_t readOnce(std::span<std::uint8_t> out);
     // Everything from the position to the end. Nothing when `limit` bytes are exceeded or a read fails.
     std::optional<std::vector<std::uint8_t>> readAll(std::uint64_t limit);
     // All bytes or failure; a short write counts as failure.
@@ -48,6 +50,8 @@ class FileStream {
 
     bool seek(std::int64_t position);
     bool seekToEnd();
+    // The same, telling the size of the file, -1 on failure: one call of the system where seeking and asking are two.
+    std::int64_t sizeAtEnd();
     // Byte position, -1 on failure.
     std::int64_t tell();
     // Size in bytes, -1 on failure.

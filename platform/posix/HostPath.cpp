@@ -1,5 +1,6 @@
 #include "platform/posix/HostPath.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/posix/Errors.h"
@@ -12,10 +13,15 @@ namespace {
 
 constexpr bool isSeparator(WCHAR unit) { return unit == TEXT('\\') || unit == TEXT('/'); }
 
-constexpr bool mayStandInName(WCHAR unit) {
-    constexpr WStringView kForbidden = TEXT("<>:\"|?*");
-    return unit >= 0x20 && kForbidden.find(unit) == WStringView::npos;
-}
+// A table, because every opening of a file asks it for each character of the path.
+constexpr auto kForbidden = [] {
+    std::array<bool, 0x80> forbidden{};
+    for (std::size_t unit = 0; unit < 0x20; ++unit) forbidden[unit] = true;
+    for (const char unit : std::string_view("<>:\"|?*")) forbidden[static_cast<std::size_t>(unit)] = true;
+    return forbidden;
+}();
+
+constexpr bool mayStandInName(WCHAR unit) { return unit >= kForbidden.size() || !kForbidden[unit]; }
 
 WStringView withoutTrailingPoints(WStringView name) {
     while (!name.empty() && (name.back() == TEXT('.') || name.back() == TEXT(' '))) name.remove_suffix(1);
@@ -62,11 +68,13 @@ bool HostPath::putBytes(std::string_view bytes) {
 
 // ASCII goes byte by byte; the rest of a name with other characters is converted in one piece.
 bool HostPath::putName(WStringView name) {
+    const std::size_t room = m_bytes.size() - 1 - m_size;
+    const std::size_t most = std::min(room, name.size());
+    char* const out = m_bytes.data() + m_size;
     std::size_t plain = 0;  // characters that stay one byte
-    while (plain < name.size() && name[plain] < 0x80) {
-        if (!put(static_cast<char>(name[plain++]))) return false;
-    }
-    return plain == name.size() || putBytes(toUtf8(name.substr(plain)));
+    for (; plain < most && name[plain] < 0x80; ++plain) out[plain] = static_cast<char>(name[plain]);
+    m_size += plain;
+    return plain == name.size() || (plain < room && putBytes(toUtf8(name.substr(plain))));
 }
 
 void HostPath::dropName() {

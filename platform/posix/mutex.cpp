@@ -2,7 +2,7 @@
 // holds it at a time, and may take it again as often as it releases it; waits end at their time; a holder that died (its
 // process or its thread, however it ended) gives the next waiter WAIT_ABANDONED, once; a name exists as long as some process
 // has it open, so the first opening fails and the first creation tells that it is new. Ownership is the system's lock on byte 0
-// of the file, which ends with its holder; the record behind it ("H", process, thread) is wiped on release, so that a record
+// of the file, which ends with its holder; the record in its bytes (HolderRecord.h) is wiped on release, so that a record
 // without a lock tells of a death. A shared lock on byte 1 says that the name is open.
 // Refuses: names without `Global\`, other namespaces and unnamed mutexes (ERROR_INVALID_NAME); waiting in order of arrival;
 // inheriting (a forked child owns nothing and opens the file anew).
@@ -23,6 +23,7 @@
 #include <thread>
 
 #include "platform/posix/Errors.h"
+#include "platform/posix/HolderRecord.h"
 #include "platform/posix/HostState.h"
 #include "platform/posix/LockFile.h"
 #include "platform/posix/NamedMutex.h"
@@ -38,8 +39,6 @@ using std::chrono::milliseconds;
 
 constexpr long kOwnershipByte = 0;
 constexpr long kExistenceByte = 1;
-constexpr char kHeld = 'H';
-constexpr char kFree = 'F';
 constexpr microseconds kFirstPause{20};
 constexpr microseconds kLongestPause{1000};
 constexpr milliseconds kLivenessPeriod{5};
@@ -83,17 +82,16 @@ class FileMutex final : public NamedMutex {
     bool adoptAfterFork();
     [[nodiscard]] bool lockByte(short type, long byte) const;
     [[nodiscard]] Attempt tryFile() const;
-    [[nodiscard]] bool holderDied() const;
-    [[nodiscard]] bool writeRecord(DWORD thread) const;
     DWORD waitForFile(const Deadline& deadline, DWORD thread);
     DWORD keep(DWORD thread);
-    void giveUp(bool unlockFile);
+    void giveUp();
 
     const std::string m_path;
     std::mutex m_lock;
     std::condition_variable m_freed;
     pid_t m_process = 0;  // which opened the file; another one was forked from it
     int m_file = -1;
+    HolderRecord m_record;
     DWORD m_owner = 0;     // thread that holds the mutex, or is the one of this process that waits for the file
     unsigned m_depth = 0;  // how often it holds it
 };
@@ -101,10 +99,11 @@ class FileMutex final : public NamedMutex {
 bool FileMutex::openFile(bool create) {
     m_file = create ? openLockFile(m_path) : platformCalls().open(m_path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, 0);
     m_process = static_cast<pid_t>(GetCurrentProcessId());
-    return m_file >= 0;
+    return m_file >= 0 && m_record.open(m_file);
 }
 
 void FileMutex::closeFile() {
+    m_record.close();
     if (m_file >= 0) ::close(m_file);
     m_file = -1;
 }
@@ -140,35 +139,18 @@ FileMutex::Attempt FileMutex::tryFile() const {
     return errno == EAGAIN || errno == EACCES ? Attempt::Busy : Attempt::Failed;
 }
 
-bool FileMutex::holderDied() const {
-    char mark = kFree;
-    return ::pread(m_file, &mark, 1, 0) == 1 && mark != kFree;
-}
-
-// The process and thread numbers are for people; a fixed width overwrites what stood there.
-bool FileMutex::writeRecord(DWORD thread) const {
-    std::array<char, 40> record{};
-    const int size = std::snprintf(record.data(), record.size(), "%c %10u %10u\n", kHeld, static_cast<unsigned>(m_process), thread);
-    return ::pwrite(m_file, record.data(), static_cast<std::size_t>(size), 0) == size;
-}
-
 // The calling thread has the file and keeps the mutex.
 DWORD FileMutex::keep(DWORD thread) {
-    const bool died = holderDied();
-    if (!writeRecord(thread)) {
-        failWithErrno();
-        giveUp(true);
-        return WAIT_FAILED;
-    }
+    const bool died = m_record.isHeld();
+    m_record.take(GetCurrentProcessId(), thread);
     const std::lock_guard guard(m_lock);
     m_depth = 1;
     return died ? WAIT_ABANDONED : WAIT_OBJECT_0;
 }
 
-void FileMutex::giveUp(bool unlockFile) {
+void FileMutex::giveUp() {
     {
         const std::lock_guard guard(m_lock);
-        if (unlockFile) (void)lockByte(F_UNLCK, kOwnershipByte);
         m_owner = 0;
         m_depth = 0;
     }
@@ -182,12 +164,12 @@ DWORD FileMutex::waitForFile(const Deadline& deadline, DWORD thread) {
             case Attempt::Taken: return keep(thread);
             case Attempt::Failed:
                 failWithErrno();
-                giveUp(false);
+                giveUp();
                 return WAIT_FAILED;
             case Attempt::Busy: break;
         }
         if (deadline.over()) {
-            giveUp(false);
+            giveUp();
             return WAIT_TIMEOUT;
         }
         std::this_thread::sleep_until(deadline.within(pause));
@@ -214,8 +196,9 @@ DWORD FileMutex::wait(DWORD duration) {
                 const bool had = m_depth > 0;
                 m_owner = thread;
                 m_depth = had ? 1 : 0;
-                if (had) return writeRecord(thread) ? WAIT_ABANDONED : WAIT_FAILED;
-                break;
+                if (!had) break;
+                m_record.take(GetCurrentProcessId(), thread);
+                return WAIT_ABANDONED;
             }
             if (deadline.over()) return WAIT_TIMEOUT;
             m_freed.wait_until(guard, deadline.within(kLivenessPeriod));
@@ -230,7 +213,7 @@ bool FileMutex::release() {
         const std::lock_guard guard(m_lock);
         if (m_process != static_cast<pid_t>(GetCurrentProcessId()) || m_owner != GetCurrentThreadId() || m_depth == 0) return false;
         if (--m_depth > 0) return true;
-        (void)::pwrite(m_file, &kFree, 1, 0);
+        m_record.release();
         (void)lockByte(F_UNLCK, kOwnershipByte);
         m_owner = 0;
     }

@@ -80,6 +80,50 @@ TEST_F(DocumentCache, changed_bytes_are_seen_at_the_next_load) {
     EXPECT_EQ(m_cache.generation(), generation + 1);
 }
 
+// Each of these has the bytes of the one before at its start, or is the start of it.
+TEST_F(DocumentCache, a_file_that_grew_or_shrank_is_seen_at_the_next_load) {
+    const std::string plain = "<PrinterDriver><A value=\"1\"/></PrinterDriver>";
+    writeBytes(m_file, plain);
+    CXml xml(m_cache);
+    const std::uint64_t generation = m_cache.generation();
+    writeBytes(m_file, plain + " ");
+    EXPECT_TRUE(xml.reload());
+    EXPECT_EQ(m_cache.generation(), generation + 1);
+    writeBytes(m_file, plain);
+    EXPECT_TRUE(xml.reload());
+    EXPECT_EQ(m_cache.generation(), generation + 2);
+    writeBytes(m_file, "");
+    EXPECT_FALSE(xml.reload());
+    EXPECT_EQ(m_cache.generation(), generation + 3);
+}
+
+TEST_F(DocumentCache, a_debug_switch_that_is_set_meanwhile_counts_after_a_tenth_of_a_second) {
+    writeBytes(m_file, "<PrinterDriver><A value=\"1\"/></PrinterDriver>");
+    CXml xml(m_cache);
+    EXPECT_TRUE(xml.reload());
+    setDebugValue(TEXT("MvXmlSleep1"), TEXT("7"));
+    Sleep(110);
+    noteSleeps();
+    EXPECT_TRUE(xml.reload());
+    EXPECT_THAT(slept(), testing::ElementsAre(7));
+}
+
+TEST_F(DocumentCache, asks_for_the_file_of_debug_switches_once_in_a_row_of_loads) {
+    writeBytes(m_file, "<PrinterDriver><A value=\"1\"/></PrinterDriver>");
+    logState().baseFolder = TEXT("C:\\base");
+    CXml xml(m_cache);
+    static int questions = 0;
+    questions = 0;
+    platformCalls().status = [](const char* path, struct stat* out) {
+        if (std::string_view(path).ends_with("mvDebug.ini")) ++questions;
+        return systemCalls().status(path, out);
+    };
+    const DWORD start = GetTickCount();
+    for (int i = 0; i < 20; ++i) EXPECT_TRUE(xml.reload());
+    EXPECT_LE(questions, 1 + static_cast<int>((GetTickCount() - start) / 100));
+    EXPECT_GE(questions, 1);
+}
+
 TEST_F(DocumentCache, a_change_leaves_the_shared_document_alone) {
     writeBytes(m_file, "<PrinterDriver>\r\n\t<A value=\"1\"/>\r\n</PrinterDriver>\r\n");
     CXml reader(m_cache);

@@ -3,6 +3,7 @@
 
 #include "platform/common/FileStream.h"
 #include "platform/posix/HostState.h"
+#include "platform/posix/PlatformCalls.h"
 #include "support/FailingCalls.h"
 #include "support/TempHome.h"
 
@@ -37,6 +38,9 @@ TEST_F(FileStreamTest, closedStream_refusesEverything) {
     EXPECT_FALSE(file.write(std::string_view("a")));
     EXPECT_FALSE(file.seek(0));
     EXPECT_FALSE(file.seekToEnd());
+    EXPECT_EQ(file.sizeAtEnd(), -1);
+    EXPECT_EQ(file.readOnce(bytes), 0U);
+    EXPECT_FALSE(file.failed());
     EXPECT_EQ(file.tell(), -1);
     EXPECT_EQ(file.size(), -1);
     EXPECT_FALSE(file.truncateHere());
@@ -192,6 +196,35 @@ TEST_F(FileStreamTest, fileAndFolderTests) {
     EXPECT_FALSE(fileExists(TEXT("C:\\nothing")));
     EXPECT_FALSE(folderExists(TEXT("C:\\nothing")));
     EXPECT_FALSE(fileExists(nullptr));
+}
+
+TEST_F(FileStreamTest, sizeAtEnd_leavesThePositionThere) {
+    writeBytes(kFile, "12345");
+    FileStream file(kFile, OpenMode::Update);
+    EXPECT_EQ(file.sizeAtEnd(), 5);
+    EXPECT_EQ(file.tell(), 5);
+    EXPECT_TRUE(file.write(std::string_view("67")));
+    EXPECT_EQ(readBytes(kFile), "1234567");
+}
+
+TEST_F(FileStreamTest, readOnce_asksTheSystemOnce) {
+    writeBytes(kFile, "12345");
+    FileStream file(kFile, OpenMode::Read);
+    std::array<std::uint8_t, 8> bytes{};
+    static int reads = 0;
+    reads = 0;
+    platformCalls().read = [](int descriptor, void* out, std::size_t count) {
+        ++reads;
+        return systemCalls().read(descriptor, out, count);
+    };
+    EXPECT_EQ(file.readOnce(bytes), 5U);
+    EXPECT_EQ(reads, 1);
+    EXPECT_EQ(file.readOnce(bytes), 0U);
+    platformCalls() = systemCalls();
+    EXPECT_FALSE(file.failed());
+    FailingCalls faults(1, Fault::Persistent, "read");
+    EXPECT_EQ(file.readOnce(bytes), 0U);
+    EXPECT_TRUE(file.failed());
 }
 
 }  // namespace morvil::test
