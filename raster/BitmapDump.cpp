@@ -83,7 +83,7 @@ int dumpBitmap(HBITMAP bitmap, const WCHAR* path) {
     }
     const LocalBlock<std::uint8_t> bits(getBuffer(bitmap, nullptr));
     const std::uint64_t wanted = pixelBytesOf(info.header);
-    if (!bits || bits.span().size() < wanted || getBuffer(bitmap, bits.get()) == 0) {
+    if (bits.span().empty() || bits.span().size() < wanted || getBuffer(bitmap, bits.get()) == 0) {
         logError(TEXT("dumpBitmap, Error 3"));
         return 1;
     }

@@ -26,7 +26,7 @@ bool readOneRow(HDC dc, HBITMAP bitmap, BitmapInfoBlock& info) {
     const UINT rows = rowsOf(info);
     if (rows == 0) return false;
     const LocalBlock<std::uint8_t> row(info.header.biSizeImage / rows);
-    return row && GetDIBits(dc, bitmap, 0, 1, row.get(), infoOf(&info), DIB_RGB_COLORS) != 0;
+    return !row.span().empty() && GetDIBits(dc, bitmap, 0, 1, row.get(), infoOf(&info), DIB_RGB_COLORS) != 0;
 }
 
 void logMissingPalette(const BITMAPINFOHEADER& header) {

@@ -99,7 +99,7 @@ bool mirror(const LockedSurface& locked, const SURFOBJ& surface, BitmapInfoBlock
         return false;
     }
     const LocalBlock<std::uint8_t> mirrored(getBuffer(pair.result().get(), nullptr));
-    if (!mirrored || getBuffer(pair.result().get(), mirrored.get()) == 0) return false;
+    if (mirrored.span().empty() || getBuffer(pair.result().get(), mirrored.get()) == 0) return false;
     copyBits(locked.bits(), mirrored.span());
     return true;
 }
