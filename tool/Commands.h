@@ -2,6 +2,7 @@
 // function that does the work and returns the exit status. Results go to `out`, everything else to `err`.
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -64,11 +65,19 @@ struct PreviewOptions {
     int scale = 0;  // job pixels per picture pixel; 0: as small as fits 2000 pixels
 };
 
+struct EscapeOptions {
+    std::uint32_t code = 0;
+    std::string text;
+    std::string home;
+    bool json = false;
+};
+
 int runPrint(const PrintOptions& options, engine::EnableDriverFunction driver, const Streams& streams);
 int runConfig(const ConfigOptions& options, const Streams& streams);
 int runCheck(const CheckOptions& options, const Streams& streams);
 int runShow(const ShowOptions& options, const Streams& streams);
 int runPreview(const PreviewOptions& options, const Streams& streams);
+int runEscape(const EscapeOptions& options, engine::EnableDriverFunction driver, const Streams& streams);
 
 // Parses the arguments (without the program's name) and runs the subcommand.
 int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunction driver, const Streams& streams);

@@ -9,6 +9,9 @@
 
 namespace morvil::tool {
 
+// The one printer of this host.
+inline constexpr const WCHAR* kPrinterName = TEXT("Morvil");
+
 // Uses `home` as drive C: instead of $MORVIL_HOME; nothing when empty.
 void useHome(const std::string& home);
 

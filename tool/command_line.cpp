@@ -15,6 +15,7 @@ struct Options {
     CheckOptions check;
     ShowOptions show;
     PreviewOptions preview;
+    EscapeOptions escape;
 };
 
 CLI::App* addPrint(CLI::App& app, PrintOptions& o) {
@@ -85,6 +86,16 @@ CLI::App* addPreview(CLI::App& app, PreviewOptions& o) {
     return c;
 }
 
+CLI::App* addEscape(CLI::App& app, EscapeOptions& o) {
+    CLI::App* const c = app.add_subcommand("escape", "Send the driver an escape, as applications do");
+    c->add_option("CODE", o.code, "8 asks whether the code TEXT is supported, 17 asks for TEXT copies, 9100 loads the stored configuration TEXT, 9101 asks whether it exists")->required();
+    c->add_option("TEXT", o.text, "what is sent: a number for 8 and 17, else text, one byte a character");
+    c->add_option("--home", o.home, "data root in place of $MORVIL_HOME")->type_name("DIR");
+    c->add_flag("--json", o.json, "result as JSON");
+    c->footer("Standard output: the driver's result, and its answer where it gives one.\nExit status: 0 for a result other than 0, 1 for 0, 2 usage, 3 the system failed.");
+    return c;
+}
+
 }  // namespace
 
 int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunction driver, const Streams& streams) {
@@ -96,6 +107,7 @@ int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunct
     const CLI::App* const config = addConfig(app, options.config);
     const CLI::App* const check = addCheck(app, options.check);
     const CLI::App* const show = addShow(app, options.show);
+    const CLI::App* const escape = addEscape(app, options.escape);
     addPreview(app, options.preview);
     try {
         std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());  // the parser takes the last argument first
@@ -107,6 +119,7 @@ int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunct
         if (print->parsed()) return runPrint(options.print, driver, streams);
         if (config->parsed()) return runConfig(options.config, streams);
         if (check->parsed()) return runCheck(options.check, streams);
+        if (escape->parsed()) return runEscape(options.escape, driver, streams);
         if (show->parsed()) return runShow(options.show, streams);
         return runPreview(options.preview, streams);
     } catch (const std::exception& error) {  // out of memory, a broken pipe: nothing that has an answer of its own

@@ -21,7 +21,6 @@ namespace morvil::tool {
 namespace {
 
 constexpr std::uintmax_t kLargestMetafile = std::uintmax_t{1} << 30;
-constexpr const WCHAR* kPrinterName = TEXT("Morvil");
 
 // Set by Ctrl-C; the engine asks for it between calls, so that an interrupted document leaves no half-made job.
 volatile std::sig_atomic_t g_interrupted = 0;
