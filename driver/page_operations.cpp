@@ -29,7 +29,12 @@ PageBits surfaceBits(const SURFOBJ& surface) {
     return {static_cast<const std::uint8_t*>(surface.pvBits), surface.cjBits, rowBytes};
 }
 
-void tracePage(const SURFOBJ& /*surface*/) {}
+void tracePage(const SURFOBJ& surface) {
+    if (!state().spoolFile || surface.iBitmapFormat != BMF_24BPP) return;
+    const PageBits page = surfaceBits(surface);
+    state().spoolFile->TraceBitmap(page.bits, page.bytes, static_cast<std::uint32_t>(surface.sizlBitmap.cx),
+                                   static_cast<std::uint32_t>(surface.sizlBitmap.cy), state().uiBandPosition);
+}
 
 void adjustColours(SURFOBJ& surface) {
     logMorvil(1, kInformation, TEXT("DrvSendPage ColorAdjustment"), kLogEnd);

@@ -1,6 +1,7 @@
 // BitmapSection.cpp - creates the bitmap section in the job file and brings the page's pixels into it. The bytes of the image
 // itself are the bitmap store's (raster/CBM.h).
 #include <algorithm>
+#include <vector>
 
 #include "driver/log/Log.h"
 #include "jobfile/CSpoolFile.h"
@@ -35,18 +36,6 @@ BitmapType typeOf(const ConfigurationRecord& config) {
         default: return kProcessColours;
     }
 }
-
-// Lends the store a stream for as long as it lives.
-class LentStream {
-  public:
-    LentStream(CBM& store, FileStream& stream) : m_store(store) { store.setStream(&stream); }
-    ~LentStream() { m_store.setStream(nullptr); }
-    LentStream(const LentStream&) = delete;
-    LentStream& operator=(const LentStream&) = delete;
-
-  private:
-    CBM& m_store;
-};
 
 }  // namespace
 
@@ -108,6 +97,14 @@ bool CSpoolFile::WriteBitmap(const std::uint8_t* pageBits, std::size_t bytes) {
     VectorBackup backup;
     const bool saved = backup.save(file, oldStart, m->backupFile);
 
+    if (m->config.processMode == kModeColourStamp) {
+        std::vector<std::uint8_t> colours;
+        m->bitmap.GetUsedIndices8BPP(pageBits, colours);
+        const bool closed = file.close();  // the colour group is written through a stream of its own
+        WriteMciHeader(colours);
+        const bool renewed = file.open(m->jobFile.c_str(), OpenMode::Update) && m->renewImage(file);
+        m->isWhole = m->isWhole && closed && renewed;
+    }
     bool result = false;
     {
         const LentStream lent(m->bitmap, file);
@@ -125,6 +122,15 @@ bool CSpoolFile::WriteBitmap(const std::uint8_t* pageBits, std::size_t bytes) {
     if (!restored && (saved || newStart != oldStart)) m->isWhole = false;
     m->vectors.movedTo(newStart, end);
     return result;
+}
+
+bool CSpoolFile::Members::renewImage(FileStream& file) {
+    if (!file.seek(bitmapStart)) return false;
+    const LentStream lent(bitmap, file);
+    const bool made = bitmap.CreateBitmap(bitmap.colourTable().type(), config.size.pixelWidth, config.size.pixelHeight);
+    bitmapPixel = bitmap.pixelPosition();
+    bitmapEnd = bitmapPixel + std::int64_t{bitmap.imageSize()};
+    return made;
 }
 
 bool CSpoolFile::WriteBitmapBand(const std::uint8_t* buffer, std::uint32_t size, std::uint32_t offset) {

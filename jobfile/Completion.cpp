@@ -1,8 +1,10 @@
 // Completion.cpp - finishes a job: the work of its process mode, then the name under which the job application takes the file.
 // Every step logs and goes on; only a file that is not whole is kept from the job application.
 #include <array>
+#include <exception>
 
 #include "driver/log/Log.h"
+#include "jobfile/BorderCompletion.h"
 #include "jobfile/CSpoolFile.h"
 #include "jobfile/JobFileFormat.h"
 #include "jobfile/SpoolFileMembers.h"
@@ -51,8 +53,28 @@ WString finishedPath(const WString& jobFile) {
 
 bool CSpoolFile::Complete() {
     logMode(m->config);
+    if (m->config.processMode == kModeColourStamp) completeBorder();
+    if (m->hasFlag(MV_FL_SHRINK_TO_BOUNDING_BOX)) {
+        logMorvil(1, kInformation, TEXT("Shringk to bounding box"), kLogEnd);
+        doShrinkToBoundigbox();
+        logMorvil(1, kInformation, TEXT("Shringk to bounding box finished"), kLogEnd);
+    }
     m->giveAway();
     return true;
+}
+
+void CSpoolFile::completeBorder() {
+    FileStream file;
+    if (m->state != JobState::Unfinished || !m->hasBitmapSection() || !file.open(m->jobFile.c_str(), OpenMode::Update)) return;
+    const LentStream lent(m->bitmap, file);
+    BorderCompletion border(m->bitmap);
+    try {
+        border.run();
+    } catch (const std::exception& error) {
+        logMorvil(1, kError, TEXT("ErrorMsg=%s"), fromUtf8(error.what()), kLogEnd);
+    }
+    // An image that could not be read is still what it was, unless somebody cut the file.
+    m->isWhole = m->isWhole && !border.spoiled() && file.size() >= m->vectors.end();
 }
 
 void CSpoolFile::Members::giveAway() {

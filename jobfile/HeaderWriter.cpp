@@ -14,14 +14,6 @@ namespace morvil {
 
 namespace {
 
-// Texts come from outside; a line end among them would end the line of the file.
-WString lineText(std::span<const WCHAR> buffer) {
-    WString text(viewOf(buffer));
-    std::replace_if(
-        text.begin(), text.end(), [](WCHAR unit) { return unit < TEXT(' '); }, TEXT('_'));
-    return text;
-}
-
 constexpr WCHAR kNoVersion[] = TEXT("0.0.0.0");
 constexpr DWORD kShoulderByIndex = 2;  // bit of the job application's flags
 
@@ -45,41 +37,56 @@ std::int64_t fileBytes(WStringView text) { return static_cast<std::int64_t>(toFi
 
 }  // namespace
 
+WString lineText(std::span<const WCHAR> buffer) {
+    WString text(viewOf(buffer));
+    std::replace_if(
+        text.begin(), text.end(), [](WCHAR unit) { return unit < TEXT(' '); }, TEXT('_'));
+    return text;
+}
+
 bool CSpoolFile::WriteHeader() {
-    logMorvil(1, kInformation, TEXT("WriteHeader, PKConfig-Flags=%d, usShoulder=%d"), m->config.files.jobApplicationFlags,
-              m->config.shoulderIndex, kLogEnd);
-    logMorvil(1, kInformation, TEXT("WriteHeader, JobName=%s"), m->jobName, kLogEnd);
+    m->announceHeader();
     const WString jobName = m->jobName;
     if (!BuildSpoolFileName(jobName.c_str())) {
         logMorvil(1, kError, TEXT("Error BuildSpoolFile"), kLogEnd);
         return true;
     }
-    if (fileExists(m->jobFile.c_str())) DeleteFileW(m->jobFile.c_str());
-    FileStream file(m->jobFile.c_str(), OpenMode::Create);
+    m->isWhole = m->writeHeaderFile();
+    return true;
+}
+
+void CSpoolFile::Members::announceHeader() const {
+    logMorvil(1, kInformation, TEXT("WriteHeader, PKConfig-Flags=%d, usShoulder=%d"), config.files.jobApplicationFlags,
+              config.shoulderIndex, kLogEnd);
+    logMorvil(1, kInformation, TEXT("WriteHeader, JobName=%s"), jobName, kLogEnd);
+}
+
+bool CSpoolFile::Members::writeHeaderFile() {
+    if (fileExists(jobFile.c_str())) DeleteFileW(jobFile.c_str());
+    FileStream file(jobFile.c_str(), OpenMode::Create);
     if (!file.isOpen()) {
         logMorvil(1, kError, TEXT("Error Open SpoolFile dwError=%d"), GetLastError(), kLogEnd);
-        return true;
+        return false;
     }
-    m->state = JobState::Unfinished;
+    state = JobState::Unfinished;
 
-    m->driverVersion = installedDriverVersion();
-    std::size_t headerStart = 0;
-    WString lines = m->headerLines(headerStart);
-    m->headerStart = fileBytes(WStringView(lines).substr(0, headerStart));
-    m->appendDiagnosticGroup(lines);
-    m->headerEnd = fileBytes(lines);
-    if (m->hasBitmapSection()) {
+    driverVersion = installedDriverVersion();
+    std::size_t headerStartCharacters = 0;
+    WString lines = headerLines(headerStartCharacters);
+    headerStart = fileBytes(WStringView(lines).substr(0, headerStartCharacters));
+    appendDiagnosticGroup(lines);
+    headerEnd = fileBytes(lines);
+    if (hasBitmapSection()) {
         lines += format(kTextLine, kBeginKeyword, kBitmapGroup);
         lines += kBitmapOpening;
     }
-    m->isWhole = file.writeText(lines);
+    const bool written = file.writeText(lines);
     const std::int64_t end = fileBytes(lines);
-    m->bitmapStart = end;
-    m->bitmapPixel = end;
-    m->bitmapEnd = end;
-    m->vectors.placeAt(end);
-    m->isWhole = file.close() && m->isWhole;
-    return true;
+    bitmapStart = end;
+    bitmapPixel = end;
+    bitmapEnd = end;
+    vectors.placeAt(end);
+    return file.close() && written;
 }
 
 WString CSpoolFile::Members::headerLines(std::size_t& headerStartCharacters) const {

@@ -16,6 +16,10 @@ inline constexpr WCHAR kUnfinishedExtension[] = TEXT("tsa");  // while the file 
 inline constexpr WCHAR kFinishedExtension[] = TEXT("tsf");    // complete: the job application may take it
 inline constexpr WCHAR kBackupFileName[] = TEXT("BackUp_Polygon.dat");
 inline constexpr WCHAR kProbeFilePath[] = TEXT("%sTest.txt");  // folder with its backslash
+// Pictures of the tracing mode, in the spool folder: folder with its backslash, time of day as HHMMSS.
+inline constexpr WCHAR kTracerPagePath[] = TEXT("%stracer.org.%s.bmp");
+inline constexpr WCHAR kTracerExtractPath[] = TEXT("%stracer.extracted.%s.bmp");
+inline constexpr WCHAR kTracerRestPath[] = TEXT("%stracer.removed.%s.bmp");
 
 // ---- line templates ---------------------------------------------------------------------------------------------------
 inline constexpr WCHAR kCommentLine[] = TEXT("<!-- %s %s>\n");                        // keyword, driver version
@@ -29,6 +33,12 @@ inline constexpr WCHAR kRotaryLine[] = TEXT("<%s %.2f>\n");                     
 inline constexpr WCHAR kDiagnosticVersionLine[] = TEXT("<%s v0.1>\n");                // keyword
 inline constexpr WCHAR kDiagnosticTypeLine[] = TEXT("<%s DIAG1>\n");                  // keyword
 inline constexpr WCHAR kMeasurePointLine[] = TEXT("<%s %d; 1; %s>\n");                // keyword, point's number, its identifier
+inline constexpr WCHAR kMciIdLine[] = TEXT("<MCI_ID: %d>\n");                         // identifier of the size template
+inline constexpr WCHAR kGaspenVersionLine[] = TEXT("<Version.ColorsGaspen: %s>\n");      // version of the list
+inline constexpr WCHAR kCustomerVersionLine[] = TEXT("<Version.ColorsCustomer: %s>\n");  // version of the list
+inline constexpr WCHAR kSystemVersionLine[] = TEXT("<Version.ColorsSystem: %s>\n");      // version of the list
+inline constexpr WCHAR kParametersLine[] = TEXT("<Parameters:>\n");
+inline constexpr WCHAR kMciColourLine[] = TEXT("<Color%d: %s;%d;%d;%d;%s;%s>\n");  // number; name; red; green; blue; target; level
 inline constexpr WCHAR kBitmapOpening[] = TEXT("<STBmp: 0;0>");                       // no line end: the image follows at once
 inline constexpr WCHAR kBitmapClosing[] = TEXT("<EOBmp>\n");
 inline constexpr WCHAR kBitmapGroupClosing[] = TEXT("<EndGroup: Bitmap>\n");

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include "config/CJobName.h"
 #include "config/CMvConfig.h"
@@ -20,6 +21,22 @@ enum class JobState : std::uint8_t {
     None,        // no file of ours lies in the spool folder
     Unfinished,  // the .tsa is being written
     Finished     // given away: renamed, or left behind by a failed renaming
+};
+
+// A text of the configuration or of a colour list as part of a line: it comes from outside, and a line end among it would end
+// the line of the file.
+WString lineText(std::span<const WCHAR> buffer);
+
+// Lends the bitmap store a stream for as long as it lives.
+class LentStream {
+  public:
+    LentStream(CBM& store, FileStream& stream) : m_store(store) { store.setStream(&stream); }
+    ~LentStream() { m_store.setStream(nullptr); }
+    LentStream(const LentStream&) = delete;
+    LentStream& operator=(const LentStream&) = delete;
+
+  private:
+    CBM& m_store;
 };
 
 struct CSpoolFile::Members {
@@ -60,9 +77,14 @@ struct CSpoolFile::Members {
 
     void chooseSpoolFolder();
     bool claimFileName();
+    void announceHeader() const;
+    // Makes the file anew with the header groups and the opening of the bitmap section. False when that was not done whole.
+    bool writeHeaderFile();
     [[nodiscard]] WString headerLines(std::size_t& headerStartCharacters) const;
     void appendDiagnosticGroup(WString& lines) const;
 
+    // Makes header and palette of the image anew at bitmapStart, in the type and for the size that it has.
+    bool renewImage(FileStream& file);
     // Writes what closes the bitmap section at bitmapEnd. The position behind it, where the vector section belongs; nothing
     // when the file could not be opened there.
     std::optional<std::int64_t> closeBitmapSection();

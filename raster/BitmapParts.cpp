@@ -71,8 +71,8 @@ bool CBM::WriteBitmapPart1BPP(const std::uint8_t* source, std::uint32_t sourceBi
     const std::uint64_t end = std::min(std::uint64_t{column} + widthBits, std::uint64_t{m_stride} * 8);
     const auto endRow = static_cast<std::uint32_t>(std::min<std::uint64_t>(std::uint64_t{row} + rows, m_height));
     const LocalBlock<std::uint8_t> block(std::size_t{rowsPerBlock()} * m_stride);
-    bool done = true;
-    while (block && done && row < endRow) {
+    bool done = static_cast<bool>(block);
+    while (done && row < endRow) {
         const std::uint32_t blockRows = std::min(rowsPerBlock(), endRow - row);
         const std::span<std::uint8_t> stored = block.span().first(std::size_t{blockRows} * m_stride);
         done = ReadRows(stored, row);

@@ -53,6 +53,22 @@ TEST_F(Page, an_aborted_page_is_not_sent) {
     EXPECT_EQ(jobFile(".tsf"), "");
 }
 
+TEST_F(Page, the_tracing_mode_keeps_pictures_of_the_page) {
+    configuration().processMode = kModeTest2;
+    startPage();
+    std::iota(bits().begin(), bits().end(), std::uint8_t{0});
+    clearLogs();
+    EXPECT_EQ(DrvSendPage(pso), TRUE);
+    EXPECT_THAT(morvilLog(), Contains("!!! MvTracer.dll not loaded, Error=126"));
+    WIN32_FIND_DATAW found{};
+    const WString spool = CMvConfig().spoolFolder();
+    const HANDLE search = FindFirstFileW((spool + TEXT("\\tracer.org.*.bmp")).c_str(), &found);
+    ASSERT_NE(search, INVALID_HANDLE_VALUE);
+    FindClose(search);
+    const std::string picture = readBytes(spool + TEXT("\\") + WString(viewOf(std::span<const WCHAR>(found.cFileName))));
+    EXPECT_EQ(picture.substr(54), std::string(bits().begin(), bits().end()));
+}
+
 TEST_F(Page, a_start_opens_the_sections_and_clears_the_surface) {
     configuration().raster = 0;
     startDocument();
