@@ -284,7 +284,7 @@ TEST_F(JobShrink, clipping_goes_by_the_new_size) {
         for (int i = 0; i < 149; ++i) polygon(writer, {30, 40}, {20, 25});
         polygon(writer, {35, 90}, {22, 22});  // beyond the box of the lines in front of it
     });
-    EXPECT_TRUE(commandsOf(job).ends_with(";5;2;11;2>")) << commandsOf(job).substr(commandsOf(job).size() - 60);
+    EXPECT_TRUE(commandsOf(job).ends_with(";5;2;10;2>")) << commandsOf(job).substr(commandsOf(job).size() - 60);
 }
 
 TEST_F(JobShrink, sizes_are_kept_in_16_bits) {
