@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "config/CMvConfig.h"
 #include "tool/PrintFixture.h"
 
 namespace morvil::tool {
@@ -15,10 +16,22 @@ namespace {
 constexpr const char* kResolution = "PrinterDriver.Configuration.Print.Process.ProcessOption.Resolution@index=5";  // 125 dpi keeps them small
 constexpr const char* kMode = "PrinterDriver.Configuration.Print.Process.ProcessMode.ID=";
 
+constexpr const char* kFirstFlag = "PrinterDriver.Flags.FL_1=";
+constexpr const char* kMargin = "PrinterDriver.BoundingBox.Offset.";
+constexpr const char* kOption = "PrinterDriver.Configuration.Print.Process.ProcessOption.";
+
+// A file of the partner programs that the job depends on.
+struct PartnerFile {
+    const WCHAR* (CMvConfig::*path)() const;  // the file, or with a name the folder that it lies in
+    const WCHAR* name;
+    const char* bytes;
+};
+
 struct GoldenCase {
     const char* name;
     const char* file;
     std::vector<std::string> settings;
+    std::vector<PartnerFile> files;
 };
 
 class Golden : public PrintFixture, public testing::WithParamInterface<GoldenCase> {};
@@ -33,6 +46,11 @@ TEST_P(Golden, job_is_the_same_byte_for_byte) {
     std::vector<std::string> arguments{"--title", golden.name, "--quiet", "--set", kResolution};
     for (const std::string& setting : golden.settings) arguments.insert(arguments.end(), {"--set", setting});
     arguments.push_back(sample(golden.file));
+    for (const PartnerFile& partner : golden.files) {
+        const CMvConfig folders;
+        const WString path = (folders.*partner.path)();
+        test::writeBytes(partner.name == nullptr ? path : path + TEXT("\\") + partner.name, partner.bytes);
+    }
     const Outcome run = print(arguments);
     ASSERT_EQ(run.status, kDone) << run.err;
     const std::string made = bytesOf(job(std::string(golden.name) + ".tsf"));
@@ -48,6 +66,26 @@ TEST_P(Golden, job_is_the_same_byte_for_byte) {
     EXPECT_EQ(difference.first, made.end()) << "first difference at byte " << difference.first - made.begin() << " of " << kept;
 }
 
+constexpr const char* kCatalogue =
+    "<MciColors Version=\"2.0\"><Colors>"
+    "<Color ID=\"1\" Target=\"10\" Level=\"deep\" Red=\"0\" Green=\"0\" Blue=\"0\" Version=\"1.0\"><Name Lang=\"en\" value=\"black\"/></Color>"
+    "<Color ID=\"2\" Target=\"20\" Level=\"half\" Red=\"20\" Green=\"40\" Blue=\"160\" Version=\"1.0\"><Name Lang=\"en-GB\" value=\"ocean\"/></Color>"
+    "</Colors></MciColors>";
+constexpr const char* kCustomerColours =
+    "<MciColors Version=\"1.4\"><Colors>"
+    "<Color ID=\"C1\" Target=\"30\" Level=\"flat\" Red=\"200\" Green=\"30\" Blue=\"30\" Version=\"1.0\"><Name Lang=\"en\" value=\"house red\"/></Color>"
+    "</Colors></MciColors>";
+constexpr const char* kTemplates =
+    "[BDSIZETEMPLATE]\r\nSIZETEMPLATECOUNT=1\r\nSIZETEMPLATE[1].Name=Badge\r\nSIZETEMPLATE[1].Width=36\r\nSIZETEMPLATE[1].Height=24\r\n"
+    "SIZETEMPLATE[1].MCI_ID=17\r\n";
+constexpr const char* kMeasurementPoints =
+    "<MeasurementPoints><MeasurementPoint ID=\"11\" Identifier=\"laser power\"/><MeasurementPoint ID=\"12\" Identifier=\"head speed\"/>"
+    "<MeasurementPoint ID=\"13\" Identifier=\"table height\"/></MeasurementPoints>";
+const std::vector<PartnerFile> kColourFiles{{&CMvConfig::jobApplicationFolder, TEXT("ColorsGaspen.xml"), kCatalogue},
+                                            {&CMvConfig::jobApplicationFolder, TEXT("ColorsCustomer.xml"), kCustomerColours},
+                                            {&CMvConfig::commonFiles, TEXT("MvTemplate.ini"), kTemplates}};
+const std::string kShrink = std::string(kFirstFlag) + "MV_FL_SHRINK_TO_BOUNDING_BOX";
+
 const GoldenCase kGolden[] = {
     {"nameplate", "nameplate.emf", {}},
     {"bracket", "bracket.emf", {}},
@@ -57,6 +95,20 @@ const GoldenCase kGolden[] = {
     {"bracket-layer", "bracket.emf", {std::string(kMode) + "5000"}},
     {"bracket-stamp", "bracket.emf", {std::string(kMode) + "2000"}},
     {"bracket-vectors", "bracket.emf", {"PrinterDriver.Configuration.Print.Process.ProcessOption.VectorJob=1"}},
+    {"colourstamp", "badge.emf", {std::string(kMode) + "3000"}, kColourFiles},
+    {"colourstamp-shrunk", "badge.emf", {std::string(kMode) + "3000", kShrink, std::string(kMargin) + "Left=2"}, kColourFiles},
+    {"shrunk", "badge.emf", {kShrink, std::string(kMargin) + "Left=5", std::string(kMargin) + "Top=10", std::string(kMargin) + "Right=15", std::string(kMargin) + "Bottom=20"}},
+    {"shrunk-stamp", "badge.emf", {std::string(kMode) + "2000", kShrink}},
+    {"shrunk-vectors", "badge.emf", {kShrink, std::string(kOption) + "VectorJob=1", std::string(kMargin) + "Top=3"}},
+    {"mirrored-stamp", "badge.emf", {std::string(kMode) + "2000", std::string(kFirstFlag) + "MV_FL_IMAGEOP_FLIP_HORIZONTAL", std::string(kOption) + "Shoulder.Name=steep"}},
+    {"grey-relief", "shades.emf", {std::string(kMode) + "4000"}},
+    {"grey-layers", "shades.emf", {std::string(kMode) + "5000", std::string(kOption) + "Layers=7", std::string(kOption) + "ZAdjustment=1.25"}},
+    {"rotary", "badge.emf", {std::string(kOption) + "Rotary.Enabled=1", std::string(kOption) + "Rotary.Diameter=42.5", std::string(kOption) + "Autoposition=1"}},
+    {"diagnostic",
+     "badge.emf",
+     {"PrinterDriver.Diagnostic.Enable=1", "PrinterDriver.Diagnostic.Signals.FL_0=0", "PrinterDriver.Diagnostic.Signals.FL_1=2"},
+     {{&CMvConfig::diagnosticsFile, nullptr, kMeasurementPoints}}},
+    {"banded-test3", "badge.emf", {std::string(kMode) + "8000", std::string(kFirstFlag) + "MV_FL_BITMAP_BANDING"}},
 };
 INSTANTIATE_TEST_SUITE_P(Jobs, Golden, testing::ValuesIn(kGolden), [](const auto& tested) {
     std::string name = tested.param.name;
