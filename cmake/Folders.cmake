@@ -16,4 +16,12 @@ function(morvil_folder target folder)
   add_library(${target} STATIC ${ARG_SOURCES})
   target_include_directories(${target} PUBLIC ${include_root})
   target_link_libraries(${target} PUBLIC ${ARG_USES} PRIVATE morvil_options ${ARG_LIBRARIES})
+  morvil_read_system_headers_once(${target})
+endfunction()
+
+# The headers of Windows take longer to read than the sources behind them; each library reads them once.
+function(morvil_read_system_headers_once target)
+  if(WIN32)
+    target_precompile_headers(${target} PRIVATE <platform/platform.h> <string> <vector> <span> <array> <memory> <functional>)
+  endif()
 endfunction()
