@@ -1,5 +1,7 @@
 // header_groups.cpp - reads what stands in front of the bitmap: comments, header, diagnostic and colour group.
+#include <algorithm>
 #include <array>
+#include <vector>
 
 #include "tool/JobFileReader.h"
 
@@ -111,14 +113,24 @@ void readDiagnostic(JobFileReader& reader) {
     if (!reader.takeLine("<EndGroup: Diagnostic>", kDiagnostic)) reader.expected(kDiagnostic, "the line \"<EndGroup: Diagnostic>\"");
 }
 
-// "<Color3: name;red;green;blue;target;level>"
+// "name;red;green;blue;target;level". Names and levels come from the lists and may hold a ";": then the numbers cannot be told.
+bool isMciColour(std::string_view value) {
+    std::vector<std::string_view> fields;
+    for (std::size_t from = 0; from <= value.size();) {
+        const std::size_t end = std::min(value.find(';', from), value.size());
+        fields.push_back(value.substr(from, end - from));
+        from = end + 1;
+    }
+    if (fields.size() != 6) return fields.size() > 6;
+    return std::all_of(fields.begin() + 1, fields.begin() + 4, [](std::string_view field) { return wholeNumber<std::uint16_t>(field).has_value(); }) &&
+           wholeNumber<std::uint8_t>(fields[4]).has_value();
+}
+
 void readMciColours(JobFileReader& reader) {
     for (std::size_t index = 0;; ++index) {
         auto colour = reader.takeEntry("Color" + std::to_string(index) + ":", kMci);
         if (!colour) return;
-        std::size_t fields = 1;
-        for (const char c : colour->value) fields += c == ';' ? 1 : 0;
-        if (fields < 6) reader.note(colour->position, kMci, "a colour has six fields", colour->value);
+        if (!isMciColour(colour->value)) reader.note(colour->position, kMci, "a colour is name;red;green;blue;target;level", colour->value);
         reader.job().mci.push_back(std::move(*colour));
     }
 }

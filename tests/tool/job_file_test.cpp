@@ -167,12 +167,35 @@ TEST(JobFile, diagnostic_group_is_read) {
     EXPECT_GT(read(kHead + replaced(group, "12; 1; ", "12;1;") + kVectors).violationCount, 0U);
 }
 
-TEST(JobFile, colour_group_repeats_the_headers_closing_line) {
-    const std::string group =
-        "<BegGroup: Mci>\r\n<MCI_ID: 7>\r\n<Version.ColorsGaspen: 1.0>\r\n<Version.ColorsCustomer: 0.0>\r\n<Version.ColorsSystem: 0.9>\r\n<Parameters:>\r\n"
-        "<Color0: white;255;255;255;0;>\r\n<EndGroup: Mci>\r\n";
-    EXPECT_EQ(read(kHead + group + "<EndGroup: Header>\r\n" + kVectors).violationCount, 0U);
-    EXPECT_GT(read(kHead + group + kVectors).violationCount, 0U);
+const std::string kColourGroup =
+    "<BegGroup: Mci>\r\n<MCI_ID: 7>\r\n<Version.ColorsGaspen: 1.0>\r\n<Version.ColorsCustomer: 0.0>\r\n<Version.ColorsSystem: 0.9>\r\n<Parameters:>\r\n"
+    "<Color0: white;255;255;255;0;>\r\n<Color1: A; B;1;2;3;4;high>\r\n<EndGroup: Mci>\r\n<EndGroup: Header>\r\n";
+
+TEST(JobFile, colour_group_is_read) {
+    const JobFile job = read(kHead + kColourGroup + kBitmap + kVectors);
+    EXPECT_EQ(job.violationCount, 0U);
+    EXPECT_TRUE(job.hasMci);
+    EXPECT_TRUE(job.bitmap);
+    ASSERT_EQ(job.mci.size(), 6U);
+    EXPECT_EQ(job.mci[0].value, "7");
+    EXPECT_EQ(job.mci[5].value, "A; B;1;2;3;4;high");
+}
+
+TEST(JobFile, colour_group_without_a_part_or_with_a_strange_one_is_noticed) {
+    for (const auto& [from, to] : std::vector<std::pair<std::string, std::string>>{{"<EndGroup: Mci>\r\n<EndGroup: Header>\r\n", "<EndGroup: Mci>\r\n"},
+                                                                                  {"<EndGroup: Mci>\r\n", ""},
+                                                                                  {"<Parameters:>\r\n", ""},
+                                                                                  {"<Version.ColorsCustomer: 0.0>\r\n", ""},
+                                                                                  {"MCI_ID: 7", "MCI_ID: x"},
+                                                                                  {"Color1", "Color2"},
+                                                                                  {"255;255;255;0;", "255;255;255;0"},
+                                                                                  {"255;255;255;0;", "255;red;255;0;"},
+                                                                                  {"255;255;255;0;", "255;255;65536;0;"},
+                                                                                  {"255;255;255;0;", "255;255;255;256;"}}) {
+        const JobFile job = read(kHead + replaced(kColourGroup, from, to) + kBitmap + kVectors);
+        ASSERT_GT(job.violationCount, 0U) << from;
+        EXPECT_EQ(job.violations.front().group, "Mci") << from;
+    }
 }
 
 TEST(JobSummary, counts_vectors_colours_extent_and_painted_pixels) {
