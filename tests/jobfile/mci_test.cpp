@@ -1,6 +1,7 @@
 // The colour group of colour stamps: its lines, its place in the file, and which entries of the colour lists it names.
 #include "config/CMvConfig.h"
 #include "jobfile/PageJob.h"
+#include "platform/posix/PlatformCalls.h"
 #include "raster/ColourListFiles.h"
 #include "support/FailingCalls.h"
 
@@ -150,6 +151,36 @@ TEST_F(MciColours, a_group_that_cannot_be_written_spoils_the_job) {
     EXPECT_FALSE(writer->WriteMciHeader(std::vector<std::uint8_t>{0}));
     writer->Complete();
     EXPECT_EQ(spoolFiles(), Strings{});
+}
+
+TEST_F(MciColours, each_call_that_fails_leaves_a_whole_job_or_none) {
+    m_log.settings.enabled = 0;
+    const auto run = [this](int n, Fault fault, const char* call, int& fired) {
+        DeleteFileW(inSpool(TEXT("Plan.tsf")).c_str());
+        const auto writer = begin(1);
+        polygon(*writer, {1, 2}, {0, 1});
+        {
+            const FailingCalls faults(n, fault, call);
+            platformCalls().sleep = [](std::uint32_t) {};  // nobody needs to wait for what is made to fail
+            sendPage(*writer, std::string("\x01\x00\x05\x05\x05\x05\x05\x05", 8));
+            fired = faults.fired();
+        }
+        writer->Complete();
+        return finished(*writer);
+    };
+    int fired = 0;
+    const std::string whole = run(1, Fault::Transient, "none", fired);
+    ASSERT_NE(whole.find("<Color0: white;255;255;255;0;>"), std::string::npos);
+    for (const char* const call : {"write", "close", "open", "read", "allocate"}) {
+        for (const Fault fault : {Fault::Transient, Fault::Persistent}) {
+            for (int n = 1;; ++n) {
+                const std::string job = run(n, fault, call, fired);
+                EXPECT_TRUE(job == whole || job == "no finished job") << call << ' ' << n << ":\n" << job;
+                if (fired == 0) break;
+                ASSERT_LT(n, 500);
+            }
+        }
+    }
 }
 
 TEST_F(MciColours, without_a_backup_of_the_vectors_the_job_is_not_given_away) {

@@ -31,6 +31,7 @@ class JobShrink : public PageJob {
     [[nodiscard]] bool completionLogged(const std::string& message) const {
         return std::find(m_completionLog.begin(), m_completionLog.end(), message) != m_completionLog.end();
     }
+    void visitEveryCall(const std::string& rows);
     static std::string sizeLine(const std::string& job) {
         const std::size_t at = job.find("<Size:");
         return at == std::string::npos ? std::string() : job.substr(at, job.find("\r\n", at) - at);
@@ -268,7 +269,9 @@ TEST_F(JobShrink, points_are_not_mirrored_again) {
     EXPECT_EQ(commandsOf(shrunk({}, draw)), "<DrawPolygon: 2;255;0;0;9;4;0;0>");
     // The next page is mirrored as before, and as large as before.
     const auto writer = begin(1);
+    draw(*writer);
     writer->Complete();
+    EXPECT_EQ(sizeLine(finished(*writer)), "<Size: 1.00;0.50>");
     writer->WriteHeader();
     writer->WriteVectorSection();
     draw(*writer);
@@ -405,14 +408,15 @@ TEST_F(JobShrink, a_file_cut_anywhere_is_logged_and_not_given_away) {
     }
 }
 
-TEST_F(JobShrink, each_call_that_fails_leaves_a_whole_job_or_none) {
+// A page with content, and one where the box is that of the vectors alone.
+void JobShrink::visitEveryCall(const std::string& rows) {
     setPage(kModeStamp, 16, 8);
     setMargins(1, 0, 0, 2);
     m_log.settings.enabled = 0;
-    const auto prepared = [this] {
+    const auto prepared = [this, &rows] {
         auto writer = begin(1);
         polygon(*writer, {4, 12, 5}, {1, 3, 6});
-        sendPage(*writer, bitRows(kPicture));
+        sendPage(*writer, rows);
         return writer;
     };
     const std::string asDrawn = bytesOf(*prepared());
@@ -457,6 +461,11 @@ TEST_F(JobShrink, each_call_that_fails_leaves_a_whole_job_or_none) {
             }
         }
     }
+}
+
+TEST_F(JobShrink, each_call_that_fails_leaves_a_whole_job_or_none) { visitEveryCall(bitRows(kPicture)); }
+TEST_F(JobShrink, each_call_that_fails_beside_an_empty_bitmap_leaves_a_whole_job_or_none) {
+    visitEveryCall(bitRows(Strings(8, std::string(16, '.'))));
 }
 
 TEST_F(JobShrink, without_memory_for_the_pixels_the_job_stays_as_it_is) {
