@@ -5,6 +5,7 @@
 //   BitmapStore/BoundingBox   of a page with content in every row
 //   BitmapStore/UsedIndices   of that page in memory, 200 of the 256 indices in use
 //   BitmapStore/ReadPart, /WritePart  all but one column of the page
+//   BitmapStore/Border        the edges looked at, nothing to complete
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "jobfile/BorderCompletion.h"
 #include "platform/posix/HostPath.h"
 #include "raster/CBM.h"
 
@@ -93,6 +95,10 @@ BENCHMARK_F(BitmapStore, ReadPart)(benchmark::State& state) {
 
 BENCHMARK_F(BitmapStore, WritePart)(benchmark::State& state) {
     for (auto unused : state) store.WriteBitmapPart8BPP(image.data(), 0, kSide - 1, kSide, 1, 0);
+}
+
+BENCHMARK_F(BitmapStore, Border)(benchmark::State& state) {
+    for (auto unused : state) BorderCompletion(store).run();
 }
 
 }  // namespace

@@ -343,6 +343,27 @@ TEST_F(JobShrink, a_colour_stamp_gets_its_colours_anew) {
     EXPECT_EQ(spoolFiles(), Strings{"Plan.tsf"});
 }
 
+TEST_F(JobShrink, a_page_in_bands_shrinks_as_a_whole_one) {
+    for (const WORD mode : {kModeStamp, kModeColourStamp, kModeRelief}) {
+        setPage(mode, 16, 8);
+        const std::string rows = mode == kModeStamp ? bitRows(kPicture) : greyPage(16, 8).replace(3 * 16 + 4, 3, "\x01\x02\x01");
+        const auto draw = [](CSpoolFile& writer) { polygon(writer, {4, 12, 5}, {1, 3, 6}); };
+        const std::string whole = shrunk(rows, draw);
+        DeleteFileW(inSpool(TEXT("Plan.tsf")).c_str());
+        const auto writer = begin(3);
+        draw(*writer);
+        const std::size_t half = rows.size() / 2;
+        for (const std::size_t at : {half, std::size_t{0}}) {
+            const std::string band = rows.substr(at, half);
+            writer->WriteBitmapBand(reinterpret_cast<const std::uint8_t*>(band.data()), static_cast<std::uint32_t>(half),
+                                    static_cast<std::uint32_t>(at));
+        }
+        writer->Complete();
+        EXPECT_EQ(finished(*writer), whole) << mode;
+        EXPECT_EQ(imageOf(whole).width, 9U) << mode;
+    }
+}
+
 TEST_F(JobShrink, replaces_a_finished_file_of_that_name) {
     setPage(kModeStamp, 16, 8);
     const auto writer = begin(1);

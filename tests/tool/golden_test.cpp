@@ -108,6 +108,8 @@ const GoldenCase kGolden[] = {
      "badge.emf",
      {"PrinterDriver.Diagnostic.Enable=1", "PrinterDriver.Diagnostic.Signals.FL_0=0", "PrinterDriver.Diagnostic.Signals.FL_1=2"},
      {{&CMvConfig::diagnosticsFile, nullptr, kMeasurementPoints}}},
+    {"test1", "badge.emf", {std::string(kMode) + "6000"}, {}},
+    {"test2", "badge.emf", {std::string(kMode) + "7000"}, {}},
     {"banded-test3", "badge.emf", {std::string(kMode) + "8000", std::string(kFirstFlag) + "MV_FL_BITMAP_BANDING"}},
 };
 INSTANTIATE_TEST_SUITE_P(Jobs, Golden, testing::ValuesIn(kGolden), [](const auto& tested) {
