@@ -31,7 +31,7 @@ struct GoldenCase {
     const char* name;
     const char* file;
     std::vector<std::string> settings;
-    std::vector<PartnerFile> files;
+    std::vector<PartnerFile> files = {};
 };
 
 class Golden : public PrintFixture, public testing::WithParamInterface<GoldenCase> {};
