@@ -53,6 +53,11 @@ cColorTable& processColourTable() {
     return *state().colourTable;
 }
 
+CxImage& halftoneImage() {
+    if (!state().halftoneImage) state().halftoneImage = std::make_unique<CxImage>();
+    return *state().halftoneImage;
+}
+
 CSizeTemplate& sizeTemplateReader() {
     if (state().sizeTemplates) return *state().sizeTemplates;
     const WCHAR* const iniName = state().configuration.files.templateIni;

@@ -11,6 +11,7 @@
 #include "jobfile/CMvPath.h"
 #include "jobfile/CSpoolFile.h"
 #include "platform/platform.h"
+#include "raster/CxImage.h"
 #include "raster/cColorTable.h"
 
 namespace morvil {
@@ -24,6 +25,7 @@ struct State {
     std::array<WCHAR, kProcessNameCharacters> processName{};  // executable of the process that the driver runs in
     std::unique_ptr<CSpoolFile> spoolFile;                    // the job writer: from the first use to DrvEndDoc or DrvDisablePDEV
     std::unique_ptr<cColorTable> colourTable;
+    std::unique_ptr<CxImage> halftoneImage;  // from the first halftoned page on; holds the one-bit rows of the latest
     std::unique_ptr<CMvPath> path;  // recorder of paths with very many curves
     std::unique_ptr<CSizeTemplate> sizeTemplates;
     std::uint32_t uiBandPosition = 0;                    // first pixel row of the current band within the page
@@ -42,5 +44,6 @@ void resetState();
 // The objects that come to life at their first use.
 cColorTable& processColourTable();
 CSizeTemplate& sizeTemplateReader();
+CxImage& halftoneImage();
 
 }  // namespace morvil

@@ -4,7 +4,9 @@
 #include "driver/log/Log.h"
 #include "raster/BitmapDump.h"
 #include "raster/BitmapInfo.h"
+#include "raster/Halftone.h"
 #include "raster/ImageOperations.h"
+#include "raster/MemoryContext.h"
 
 namespace morvil {
 
@@ -18,6 +20,23 @@ void chooseAlgorithm(ConfigurationRecord& configuration) {
         case kModeTest7: configuration.halftone.algorithm = 6; break;
         default: break;
     }
+}
+
+BITMAPINFOHEADER describe(const SURFOBJ& surface) {
+    const MemoryContext screen;
+    BitmapInfoBlock block{};
+    getBitmapInfo(screen.get(), bitmapOf(surface), &block);
+    return block.header;
+}
+
+// The surface's bits are page and result at once. A page that could not be halftoned is stored as it is.
+PageBits dither(SURFOBJ& surface, const BITMAPINFOHEADER& header) {
+    const ConfigurationRecord& configuration = state().configuration;
+    auto* const bits = static_cast<std::uint8_t*>(surface.pvBits);
+    std::uint32_t bytes = 0;
+    Dither(halftoneImage(), bits, bits, &bytes, &header, &configuration.halftone, static_cast<int>(configuration.dumpBitmaps));
+    if (bytes == 0) return surfaceBits(surface);
+    return {bits, bytes, bytes / static_cast<std::uint32_t>(header.biHeight)};
 }
 
 bool dumpsWanted() { return state().configuration.dumpBitmaps != 0; }
@@ -52,8 +71,9 @@ void flipHorizontal(SURFOBJ& surface) {
 
 PageBits halftone(SURFOBJ& surface) {
     logMorvil(1, kInformation, TEXT("DrvSendPage Halftoning"), kLogEnd);
+    const BITMAPINFOHEADER header = describe(surface);
     chooseAlgorithm(state().configuration);
-    const PageBits page = surfaceBits(surface);
+    const PageBits page = dither(surface, header);
     logMorvil(1, kInformation, TEXT("DrvSendPage Halftoning finished"), kLogEnd);
     return page;
 }

@@ -35,6 +35,7 @@ struct PrintOptions {
     std::string configuration;
     std::string paper = "drawing";  // WxH in mm, drawing or stored
     int copies = 1;
+    bool halftone = false;
     bool json = false;
     bool quiet = false;
 };

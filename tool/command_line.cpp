@@ -29,6 +29,7 @@ CLI::App* addPrint(CLI::App& app, PrintOptions& o) {
     c->add_option("--config", o.configuration, "print with this stored configuration")->type_name("NAME");
     c->add_option("--paper", o.paper, "page size: WxH in mm, drawing (the metafile's frame) or stored (the configuration's)")->type_name("SIZE")->capture_default_str();
     c->add_option("--copies", o.copies, "copies to ask for; the machine makes one")->type_name("N")->capture_default_str();
+    c->add_flag("--halftone", o.halftone, "reduce the page to black and white by the configured halftoning; for process modes with a black and white raster");
     c->add_flag("--json", o.json, "result as JSON on standard output");
     c->add_flag("--quiet", o.quiet, "no summary and no progress");
     c->footer("Standard output: the path of each job file, one a line. Standard error: a summary.\n"

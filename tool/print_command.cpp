@@ -133,6 +133,7 @@ int PrintCommand::loadConfiguration() {
     if (!config.getConfig(name.c_str(), m_record)) return failure("the configuration cannot be loaded");
     m_record.application.processId = static_cast<DWORD>(::getpid());
     copyText(m_record.application.name, fromUtf8(m_options.application));
+    if (m_options.halftone) m_record.flags |= kHalftoningBit;  // travels in the device mode alone; no configuration item sets it
     copyText(m_record.job.name, title());  // names the pages behind a change of paper, where the system passes no title
     return kDone;
 }
