@@ -32,6 +32,7 @@ struct GoldenCase {
     const char* file;
     std::vector<std::string> settings;
     std::vector<PartnerFile> files = {};
+    bool halftone = false;
 };
 
 class Golden : public PrintFixture, public testing::WithParamInterface<GoldenCase> {};
@@ -45,6 +46,7 @@ TEST_P(Golden, job_is_the_same_byte_for_byte) {
     const GoldenCase& golden = GetParam();
     std::vector<std::string> arguments{"--title", golden.name, "--quiet", "--set", kResolution};
     for (const std::string& setting : golden.settings) arguments.insert(arguments.end(), {"--set", setting});
+    if (golden.halftone) arguments.push_back("--halftone");
     arguments.push_back(sample(golden.file));
     for (const PartnerFile& partner : golden.files) {
         const CMvConfig folders;
@@ -86,6 +88,8 @@ const std::vector<PartnerFile> kColourFiles{{&CMvConfig::jobApplicationFolder, T
                                             {&CMvConfig::commonFiles, TEXT("MvTemplate.ini"), kTemplates}};
 const std::string kShrink = std::string(kFirstFlag) + "MV_FL_SHRINK_TO_BOUNDING_BOX";
 
+const std::string kPatternSize = "PrinterDriver.Configuration.Halftone.DevHTInfo.HTPatternSize=";
+
 const GoldenCase kGolden[] = {
     {"nameplate", "nameplate.emf", {}},
     {"bracket", "bracket.emf", {}},
@@ -111,6 +115,14 @@ const GoldenCase kGolden[] = {
     {"test1", "badge.emf", {std::string(kMode) + "6000"}, {}},
     {"test2", "badge.emf", {std::string(kMode) + "7000"}, {}},
     {"banded-test3", "badge.emf", {std::string(kMode) + "8000", std::string(kFirstFlag) + "MV_FL_BITMAP_BANDING"}},
+    {"halftone-standard", "shades.emf", {}, {}, true},
+    {"halftone-test2", "shades.emf", {std::string(kMode) + "7000"}, {}, true},
+    {"halftone-test3-4x4", "shades.emf", {std::string(kMode) + "8000", kPatternSize + "2"}, {}, true},
+    {"halftone-test3-8x8", "shades.emf", {std::string(kMode) + "8000", kPatternSize + "1"}, {}, true},
+    {"halftone-test4", "shades.emf", {std::string(kMode) + "9000"}, {}, true},
+    {"halftone-test5", "shades.emf", {std::string(kMode) + "10000"}, {}, true},
+    {"halftone-test6", "shades.emf", {std::string(kMode) + "11000"}, {}, true},
+    {"halftone-test7", "shades.emf", {std::string(kMode) + "12000"}, {}, true},
 };
 INSTANTIATE_TEST_SUITE_P(Jobs, Golden, testing::ValuesIn(kGolden), [](const auto& tested) {
     std::string name = tested.param.name;
