@@ -69,7 +69,7 @@ const WCHAR* CJobName::getJobName(const WCHAR* documentName) {
     const int inWork = nextFreeNumber(m_folders.work, m_base);
     line(kInformation, TEXT("CJobName::GetJobName, Index1=%d, Index2=%d"), inSpool, inWork);
     const int number = std::max(inSpool, inWork);
-    copyText(m_name, number == 0 ? m_base.substr(0, kNameCharacters - 1) : numberedName(m_base, number));
+    copyText(m_name, number == 0 ? m_base.substr(0, kLongestJobName) : numberedName(m_base, number));
     return m_name.data();
 }
 

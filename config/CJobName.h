@@ -11,6 +11,9 @@
 
 namespace morvil {
 
+// Room for a number behind the name is part of it.
+inline constexpr std::size_t kLongestJobName = 50;
+
 class CJobName {
   public:
     CJobName();
@@ -19,7 +22,7 @@ class CJobName {
     void setPrinterConfig(const ConfigurationRecord* record);
     // Works out spool, work and fallback folder. The first naming does it when nobody has before.
     void getDirectories();
-    // The job name, at most 49 characters, for a document title; null stands for a missing title. A name that this object
+    // The job name, at most kLongestJobName characters, for a document title; null stands for a missing title. A name that this object
     // gave last first loses the number that was added then. Valid until the next call.
     const WCHAR* getJobName(const WCHAR* documentName);
     // The base name of a numbered job name ("Plan 0003" gives "Plan").

@@ -74,7 +74,6 @@ bool CMvString::nextToken(const WCHAR* source, const WCHAR* delimiters, WCHAR* d
     WStringView left(source);
     WStringView token;
     for (int taken = 0; taken < count; ++taken) {
-        if (left.empty()) return false;  // nothing is left to take
         const std::size_t end = std::min(left.find_first_of(separators), left.size());
         token = left.substr(0, end);
         left.remove_prefix(std::min(end + 1, left.size()));

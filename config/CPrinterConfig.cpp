@@ -58,7 +58,7 @@ DWORD CPrinterConfig::Members::timeStampNow() {
 }
 
 CXml& CPrinterConfig::Members::opened() {
-    if (!store) store = std::make_unique<CXml>(folders.configurationFile());
+    if (!store) store = std::make_unique<CXml>(folders);
     return *store;
 }
 
@@ -93,7 +93,7 @@ const CPrinterConfig::Members::IniValues& CPrinterConfig::Members::ini() {
     return *iniValues;
 }
 
-CPrinterConfig::CPrinterConfig() : m(std::make_unique<Members>()) {}
+CPrinterConfig::CPrinterConfig(CSizeTemplate* templates) : m(std::make_unique<Members>()) { m->templates = templates; }
 
 CPrinterConfig::~CPrinterConfig() = default;
 
@@ -203,7 +203,7 @@ void CPrinterConfig::readRecord(ConfigurationRecord& record) {
     record.diagnostic = getDiagnostic();
 }
 
-// Every item, whatever became of the one before; the file is written once.
+// Every item, whatever became of the one before. Each writes the file; the disk has it at the end.
 bool CPrinterConfig::setConfig(const WCHAR* name, const ConfigurationRecord& record) {
     if (!select(name) || !m->writable()) return false;
     ItemChanges changes(*m->store);

@@ -23,9 +23,12 @@ struct ConfigurationError {
 
 inline constexpr WORD kHighestBezierMode = 3;
 
+class CSizeTemplate;
+
 class CPrinterConfig {
   public:
-    CPrinterConfig();
+    // `templates`: the reader that the process keeps, if it keeps one; else this object makes its own when it needs it.
+    explicit CPrinterConfig(CSizeTemplate* templates = nullptr);
     ~CPrinterConfig();
     CPrinterConfig(const CPrinterConfig&) = delete;
     CPrinterConfig& operator=(const CPrinterConfig&) = delete;
@@ -136,6 +139,9 @@ const WCHAR* processModeName(WORD processMode);
 
 // The number of the first application list, counted from 1, that contains the executable's name; 0 when none does.
 int jobNameFormatOf(const JobIdentification& job, const WCHAR* executable);
+// The application list `format` (1 to kFormatCount) of a record. A list that fills its field may have been cut there: if the
+// active configuration holds a longer one that begins so, that is the answer.
+WString applicationList(const JobIdentification& job, int format);
 
 // Width or height in pixels: ceiling(mm / 25.4 * dpi) in single precision. 0 when no page of that size can be made: a size
 // that is not above 0, or that takes more than 65535 pixels.

@@ -12,17 +12,26 @@ void line(const WCHAR* text, const Args&... arguments) {
 }
 
 // The application list that selects the naming rule; empty when none does.
-WStringView selectedFormat(const ConfigurationRecord& record) {
+WString selectedFormat(const ConfigurationRecord& record) {
     const int format = jobNameFormatOf(record.job, record.application.name);
-    return format == 0 ? WStringView() : viewOf(record.job.formats[format - 1]);
+    return format == 0 ? WString() : applicationList(record.job, format);
 }
 
 }  // namespace
 
+// The file is read only for a list that fills its field.
+WString applicationList(const JobIdentification& job, int format) {
+    const std::span<const WCHAR> field(job.formats[format - 1]);
+    if (viewOf(field).size() + 1 < field.size()) return WString(viewOf(field));
+    CXml store;
+    ConfigurationItems items(store, keys::kActiveRoot);
+    return items.uncut(items.pathOf(keys::kJobFormat, format - 1), field);
+}
+
 int jobNameFormatOf(const JobIdentification& job, const WCHAR* executable) {
     if (viewOf(executable).empty()) return 0;
-    for (std::size_t i = 0; i < kFormatCount; ++i) {
-        if (CMvString().find(job.formats[i], executable) != nullptr) return static_cast<int>(i) + 1;
+    for (int format = 1; format <= static_cast<int>(kFormatCount); ++format) {
+        if (CMvString().find(applicationList(job, format).c_str(), executable) != nullptr) return format;
     }
     return 0;
 }
@@ -38,7 +47,7 @@ bool CPrinterConfig::bDumpConfig(const ConfigurationRecord& record) {
     line(TEXT("HalftoneOff=%d"), record.halftone.enabled == 0 ? 1 : 0);
     line(TEXT("QuickPrint=%d"), record.quickPrint);
     line(TEXT("DriverView=%d"), record.driverView);
-    line(TEXT("JobName=%s, JobNameFormat=%s"), viewOf(record.job.name), selectedFormat(record));
+    line(TEXT("JobName=%s, JobNameFormat=%s"), viewOf(std::span<const WCHAR>(record.job.name)), selectedFormat(record));
     line(TEXT("ConfigIni=%s, PathAppData=%s, PlotkeepeRExecutable=%s, Flags=%d"), m->folders.jobApplicationIni(), m->folders.dataRoot(),
          viewOf(record.files.jobApplication), record.files.jobApplicationFlags);
     line(TEXT("AppName=%s, ProcessID=%d"), viewOf(record.application.name), record.application.processId);

@@ -89,6 +89,14 @@ WString ConfigurationItems::text(const keys::TextKey& key) {
     return WString(found);
 }
 
+WString ConfigurationItems::uncut(const WString& path, std::span<const WCHAR> field) {
+    const WStringView text = viewOf(field);
+    Value whole{};
+    const bool full = text.size() + 1 >= field.size();
+    if (!full || !read(path, whole) || !viewOf(whole.data()).starts_with(text)) return WString(text);
+    return WString(viewOf(whole.data()));
+}
+
 template <typename T>
 bool ConfigurationItems::put(const keys::NumberKey<T>& key, T value) {
     return inRange(key, value) && put(pathOf(key.path), asText(value, key.decimals), key.attribute);

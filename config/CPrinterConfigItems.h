@@ -11,7 +11,7 @@
 
 namespace morvil {
 
-// A row of changes that is written to the file once, at its end.
+// A row of changes that is handed to the disk once, at its end.
 class ItemChanges {
   public:
     explicit ItemChanges(CXml& store) : m_store(&store) { store.beginChanges(); }
@@ -19,7 +19,7 @@ class ItemChanges {
     ItemChanges(const ItemChanges&) = delete;
     ItemChanges& operator=(const ItemChanges&) = delete;
 
-    // The result of writing the file; true when an enclosing row does that later.
+    // The result of handing the file over; true when an enclosing row does that later.
     bool end() {
         CXml* const store = std::exchange(m_store, nullptr);
         return store == nullptr || store->endChanges();
@@ -52,6 +52,10 @@ class ConfigurationItems {
     }
     [[nodiscard]] bool boolean(const keys::BooleanKey& key);
     [[nodiscard]] WString text(const keys::TextKey& key);
+
+    // The text that belongs behind what a fixed field holds: a field that is full may have been cut there, and then the text
+    // that stands at `path` and begins so is the whole of it.
+    [[nodiscard]] WString uncut(const WString& path, std::span<const WCHAR> field);
 
     // False without writing when the value does not fit the key; else the result of putting the item.
     template <typename T>

@@ -4,6 +4,7 @@
 
 #include "config/CPrinterConfig.h"
 #include "config/CPrinterConfigItems.h"
+#include "config/SizeTemplates.h"
 
 namespace morvil {
 
@@ -13,6 +14,12 @@ struct CPrinterConfig::Members {
     CMvConfig folders;
     std::unique_ptr<CXml> store;
     WString root = keys::kActiveRoot;
+    CSizeTemplate* templates = nullptr;          // the process's reader, or
+    std::unique_ptr<CSizeTemplate> ownTemplates; // one that lives as long as this object
+
+    CSizeTemplate& sizeTemplates();
+    // The index of the template that bears the name, else of the one that has the size; 0 when there is none.
+    int templateIndexFor(const WString& name, const SizeTemplate& size);
 
     // Opens the store at the first call, which reads the file.
     CXml& opened();
@@ -21,7 +28,8 @@ struct CPrinterConfig::Members {
     // Whether the document in memory is that of the file, so that writing it back loses nothing.
     bool writable();
     ConfigurationItems items() { return {opened(), root}; }
-    // Lets `change` put and remove items and writes the file once. False when the store cannot be had, or one of both fails.
+    // Lets `change` put and remove items, each of which writes the file, and hands it to the disk at the end. False when the
+    // store cannot be had, or one of both fails.
     template <typename Change>
     bool write(Change change) {
         if (!writable()) return false;

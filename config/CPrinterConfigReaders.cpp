@@ -4,22 +4,25 @@
 #include "config/CMvString.h"
 #include "config/CPrinterConfigMembers.h"
 #include "config/CPrinterConfigTables.h"
-#include "config/SizeTemplates.h"
 
 namespace morvil {
 
 namespace {
 
-// The index of the template that bears the name, else of the one that has the size; 0 when there is none.
-int templateIndexFor(const SizeTemplate& size) {
-    CSizeTemplate templates;
-    const int byName = templates.findByName(size.name);
-    return byName != 0 ? byName : templates.findBySize(size.width, size.height);
-}
-
 BOOL asBool(bool value) { return value ? TRUE : FALSE; }
 
 }  // namespace
+
+CSizeTemplate& CPrinterConfig::Members::sizeTemplates() {
+    if (templates != nullptr) return *templates;
+    if (!ownTemplates) ownTemplates = std::make_unique<CSizeTemplate>();
+    return *ownTemplates;
+}
+
+int CPrinterConfig::Members::templateIndexFor(const WString& name, const SizeTemplate& size) {
+    const int byName = sizeTemplates().findByName(name.c_str());
+    return byName != 0 ? byName : sizeTemplates().findBySize(size.width, size.height);
+}
 
 DWORD CPrinterConfig::getUnit() { return m->ini().useInch != 0 ? kInches : kMillimetres; }
 
@@ -29,9 +32,10 @@ SizeTemplate CPrinterConfig::getSizeTemplate() {
     size.width = items.number(keys::kWidth);
     size.height = items.number(keys::kHeight);
     size.takeFromApplication = static_cast<DWORD>(asBool(items.boolean(keys::kTakeFromApplication)));
-    copyText(size.name, items.text(keys::kTemplateName));
+    const WString name = items.text(keys::kTemplateName);  // longer ones than the record holds are found as well
+    copyText(size.name, name);
     const std::optional<std::int32_t> index = items.find(keys::kTemplateIndex);
-    size.index = static_cast<WORD>(index ? *index : templateIndexFor(size));
+    size.index = static_cast<WORD>(index ? *index : m->templateIndexFor(name, size));
     return size;
 }
 

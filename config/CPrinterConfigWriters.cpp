@@ -29,7 +29,7 @@ bool CPrinterConfig::setSizeTemplate(const SizeTemplate& size) {
     return m->write([&](Items& items) {
         return items.put(keys::kWidth, size.width) && items.put(keys::kHeight, size.height) &&
                put(items, keys::kTemplateIndex, size.index) && items.put(keys::kTakeFromApplication, size.takeFromApplication != 0) &&
-               items.put(keys::kTemplateName, viewOf(size.name));
+               items.put(keys::kTemplateName, items.uncut(items.pathOf(keys::kTemplateName.path), size.name));
     });
 }
 
@@ -121,14 +121,16 @@ bool CPrinterConfig::setQuickPrint(bool on) {
 }
 
 bool CPrinterConfig::setJobIdentification(const JobIdentification& job) {
-    bool storable = Items::storable(viewOf(job.name));
-    for (const auto& list : job.formats) storable = storable && Items::storable(viewOf(list));
+    const WStringView name = viewOf(std::span<const WCHAR>(job.name));
+    bool storable = Items::storable(name);
+    for (const auto& list : job.formats) storable = storable && Items::storable(viewOf(std::span<const WCHAR>(list)));
     if (!storable) return false;
     return m->write([&](Items& items) {
         if (!put(items, keys::kJobIndex, job.index) || !put(items, keys::kJobNumber, job.number)) return false;
-        if (!items.put(keys::kJobName, viewOf(job.name))) return false;
+        if (!items.put(keys::kJobName, name)) return false;
         for (std::size_t i = 0; i < kFormatCount; ++i) {
-            if (!items.put(items.pathOf(keys::kJobFormat, static_cast<int>(i)), viewOf(job.formats[i]))) return false;
+            const WString path = items.pathOf(keys::kJobFormat, static_cast<int>(i));
+            if (!items.put(path, items.uncut(path, job.formats[i]))) return false;
         }
         return true;
     });

@@ -38,20 +38,21 @@ WString pathBeside(WStringView path) {
     return beside;
 }
 
-bool writeWhole(const WCHAR* path, WStringView text) {
+// When a file must have reached the disk.
+enum class Durable : std::uint8_t { Now, Later };
+
+bool writeWhole(const WCHAR* path, WStringView text, Durable durable) {
     FileStream file;
     if (!file.open(path, OpenMode::Create)) return false;
-    const bool written = file.writeText(text) && file.flushToDisk();
+    const bool written = file.writeText(text) && (durable == Durable::Later || file.flushToDisk());
     return file.close() && written;
 }
 
-// Nobody ever finds a file that is cut: the text is on the disk before the file takes the place of the old one.
-bool replaceFile(const WString& path, WStringView text) {
+// Nobody ever finds a file that is cut: the text is whole before the file takes the place of the old one.
+bool replaceFile(const WString& path, WStringView text, Durable durable) {
     const WString beside = pathBeside(path);
-    if (writeWhole(beside.c_str(), text) &&
-        MoveFileExW(beside.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE) {
-        return true;
-    }
+    const DWORD how = MOVEFILE_REPLACE_EXISTING | (durable == Durable::Now ? MOVEFILE_WRITE_THROUGH : 0U);
+    if (writeWhole(beside.c_str(), text, durable) && MoveFileExW(beside.c_str(), path.c_str(), how) != FALSE) return true;
     const DWORD error = GetLastError();
     DeleteFileW(beside.c_str());
     debugPrint(TEXT("!!! CXml::archive, Error(%d), can't write (%s)\n"), error, path);
@@ -126,7 +127,8 @@ struct CXml::Members {
 
     XmlNode* reach(const ItemPath& item);
     bool setAttribute(XmlNode& node, WStringView name, WStringView value);
-    bool store(bool startAfresh);
+    bool store(bool startAfresh, Durable durable = Durable::Now);
+    [[nodiscard]] bool isStorable() const;
 };
 
 // The element at the end of the chain, with everything made that is missing; null when no element can be reached.
@@ -160,8 +162,14 @@ bool CXml::Members::setAttribute(XmlNode& node, WStringView name, WStringView va
     return true;
 }
 
+bool CXml::Members::isStorable() const {
+    if (document != nullptr && isUsable(path)) return true;
+    debugPrint(TEXT("!!! CXml::archive, invalid document or path (%s)\n"), path);
+    return false;
+}
+
 // Writes the whole document under the mutex, after removing the old file when told to.
-bool CXml::Members::store(bool startAfresh) {
+bool CXml::Members::store(bool startAfresh, Durable durable) {
     bool written = false;
     {
         const MvMutexLock lock(mutex);
@@ -171,14 +179,12 @@ bool CXml::Members::store(bool startAfresh) {
         }
         debugPrint(TEXT(" CXml::archive, got Mutex\n"));
         sleepAsConfigured({}, TEXT("MvXmlSleep2"));
-        if (document == nullptr || !isUsable(path)) {
-            debugPrint(TEXT("!!! CXml::archive, invalid document or path (%s)\n"), path);
-            return false;
+        if (isStorable()) {
+            if (startAfresh) DeleteFileW(path.c_str());
+            WString text;
+            writeXml(document->root(), text, 0, true);
+            written = replaceFile(path, text, durable);
         }
-        if (startAfresh) DeleteFileW(path.c_str());
-        WString text;
-        writeXml(document->root(), text, 0, true);
-        written = replaceFile(path, text);
     }
     debugPrint(TEXT("CXml::archive finishedd\n"));
     return written;
@@ -192,6 +198,11 @@ CXml::CXml() {
 CXml::CXml(const WCHAR* path) {
     debugPrint(TEXT("CXml::CXml 2\n"));
     open(path, nullptr);
+}
+
+CXml::CXml(const CMvConfig& folders) {
+    debugPrint(TEXT("CXml::CXml 1\n"));
+    open(folders.configurationFile(), nullptr);
 }
 
 CXml::CXml(ParsedDocumentCache& cache) {
@@ -233,25 +244,23 @@ bool CXml::load(const DebugSwitches& switches) {
 }
 
 bool CXml::archive() {
+    const bool inRow = m->openChanges > 0;
+    m->changed = m->changed || inRow;
     try {
-        return m->store(false);
+        return m->store(false, inRow ? Durable::Later : Durable::Now);
     } catch (const std::bad_alloc&) {
         return false;
     }
 }
 
-bool CXml::archiveChange() {
-    if (m->openChanges == 0) return archive();
-    m->changed = true;
-    return true;
-}
-
 void CXml::beginChanges() { ++m->openChanges; }
 
+// Whoever replaced the file since then has flushed it.
 bool CXml::endChanges() {
     if (--m->openChanges > 0 || !m->changed) return true;
     m->changed = false;
-    return archive();
+    FileStream file(m->path.c_str(), OpenMode::Update);
+    return file.flushToDisk();
 }
 
 bool CXml::createDefault() {
@@ -288,7 +297,7 @@ bool CXml::putItem(const WCHAR* path, const WCHAR* value, const WCHAR* attribute
     } catch (const std::bad_alloc&) {
         return false;
     }
-    return archiveChange();
+    return archive();
 }
 
 bool CXml::removeItem(const WCHAR* path) {
@@ -302,7 +311,7 @@ bool CXml::removeItem(const WCHAR* path) {
     } catch (const std::bad_alloc&) {
         return false;
     }
-    return archiveChange();
+    return archive();
 }
 
 bool CXml::readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute) {

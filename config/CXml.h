@@ -22,6 +22,8 @@ class CXml {
     // On PrinterDriver.xml, or on `path`. Both open the mutex and load the file.
     CXml();
     explicit CXml(const WCHAR* path);
+    // As CXml(), for whoever has worked out the folders.
+    explicit CXml(const CMvConfig& folders);
     // As CXml(), sharing the parsed document of `cache` while the file's bytes do not change.
     explicit CXml(ParsedDocumentCache& cache);
     ~CXml();
@@ -42,8 +44,8 @@ class CXml {
     bool putItem(const WCHAR* path, const WCHAR* value, const WCHAR* attribute = TEXT("value"));
     // Takes the element out and writes the file. False when there is none.
     bool removeItem(const WCHAR* path);
-    // Between the two, putting and removing change the document alone and succeed when that does; the end of the outermost
-    // pair writes the file once, if anything changed. For whoever changes many items at a time.
+    // Between the two, each put and removal writes the file as ever, but leaves it to the end of the outermost pair to hand it
+    // to the disk, if anything changed. For whoever changes many items at a time.
     void beginChanges();
     bool endChanges();
     bool readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute = TEXT("value"));
@@ -60,7 +62,6 @@ class CXml {
 
     void open(const WCHAR* path, ParsedDocumentCache* cache);
     bool load(const DebugSwitches& switches);
-    bool archiveChange();
 
     std::unique_ptr<Members> m;
 };

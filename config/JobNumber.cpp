@@ -53,7 +53,7 @@ int lastNumber(WStringView name, std::size_t digits) {
 }
 
 // The name as far as `behind` more characters leave room for it.
-WStringView cutName(WStringView name, std::size_t behind) { return name.substr(0, kNameCharacters - 1 - behind); }
+WStringView cutName(WStringView name, std::size_t behind) { return name.substr(0, kLongestJobName - behind); }
 
 // One more than the largest number of so many digits behind the name; 1 when there is none.
 int behindLargest(const WString& folder, WStringView name, std::size_t digits) {

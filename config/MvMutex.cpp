@@ -11,11 +11,7 @@ constexpr DWORD kPauseBetweenAttempts = 1000;  // milliseconds
 
 }  // namespace
 
-MvMutex::MvMutex(const WCHAR* name, const DebugSwitches& switches) {
-    if (debugOutputWanted()) {
-        m_processId = GetCurrentProcessId();
-        m_threadId = GetCurrentThreadId();
-    }
+MvMutex::MvMutex(const WCHAR* name, const DebugSwitches& switches) : m_processId(GetCurrentProcessId()), m_threadId(GetCurrentThreadId()) {
     if (const int timeout = switches.value(TEXT("MvMutexTimeOut")); timeout >= 0) m_timeout = timeout;
     for (int attempt = 1; attempt <= kOpenAttempts; ++attempt) {
         open(name);

@@ -28,8 +28,8 @@ class MvMutex {
 
     HANDLE m_handle = nullptr;
     int m_timeout = 10000;  // milliseconds
-    DWORD m_processId = 0;  // of the creator; for the texts alone, so not asked for when nobody can see them
-    DWORD m_threadId = 0;
+    DWORD m_processId;  // of the creator, for the texts
+    DWORD m_threadId;
 };
 
 class MvMutexLock {

@@ -24,10 +24,10 @@ void nameJob(PDEV& pdev, const WCHAR* docName) {
     JobIdentification& job = pdev.configuration().job;
     if (!isUsableTitle(docName)) {
         logMorvil(1, kInformation, TEXT("JobName from configuration=%s"), viewOf(std::span<const WCHAR>(job.name)), kLogEnd);
-        writer.SetJobName(job.name);
+        writer.SetJobName(WString(viewOf(std::span<const WCHAR>(job.name))).c_str());  // a full field has no terminator
         return;
     }
-    if (writer.SetJobName(docName)) copyText(job.name, viewOf(writer.jobName()));
+    writer.SetJobName(docName, job.name);
 }
 
 void logStart(const PDEV& pdev, const WCHAR* docName, DWORD jobId) {

@@ -81,7 +81,7 @@ ULONG loadConfiguration(const Buffers& buffers) {
     const ConfigurationName name = configurationName(buffers);
     logMorvil(1, kInformation, TEXT("DrvEscape MV_CONFIGURATION_LOAD cjIn=%d, wcConfigName=%s"), buffers.cjIn, name.text.data(), kLogEnd);
     if (!name.usable) return 0;
-    CPrinterConfig store;
+    CPrinterConfig store(&sizeTemplateReader());
     ConfigurationRecord loaded = state().configuration;
     const bool success = store.getConfig(name.text.data(), loaded);
     if (success) state().configuration = loaded;

@@ -28,7 +28,7 @@ LocalBlock<BYTE> printerInformation(HANDLE hPrinter) {
     GetPrinterW(hPrinter, 2, nullptr, 0, &bytes);
     if (bytes < sizeof(PRINTER_INFO_2W)) return {};
     LocalBlock<BYTE> block(bytes);
-    if (!block || GetPrinterW(hPrinter, 2, block.get(), bytes, &bytes) == FALSE) return {};
+    if (block) GetPrinterW(hPrinter, 2, block.get(), bytes, &bytes);  // what cannot be had stays zero
     return block;
 }
 

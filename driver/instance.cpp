@@ -45,7 +45,7 @@ void logDevmodeNotSupported() { logMorvil(0, kError, TEXT("DrvEnablePDEV, Config
 
 void loadWorkingConfiguration(const PlotDM* devmode) {
     if (devmode == nullptr) {
-        CPrinterConfig().getConfig(TEXT(""), state().configuration);
+        CPrinterConfig(&sizeTemplateReader()).getConfig(TEXT(""), state().configuration);
         logDevmodeNotSupported();
         return;
     }

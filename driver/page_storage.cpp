@@ -24,7 +24,7 @@ void logBand(const Band& band) {
     logMorvil(1, kInformation, TEXT("usHeight=%d, uiBandPosition=%d, Delta=%d"), band.pageHeight, band.position, band.rowBytes, kLogEnd);
 }
 
-void storeTestBand(CSpoolFile& writer, const SURFOBJ& surface, const PageBits& page) {
+void storeTestBand(CSpoolFile* writer, const SURFOBJ& surface, const PageBits& page) {
     const ConfigurationRecord& configuration = state().configuration;
     const Band band{state().uiBandPosition,
                     static_cast<std::uint32_t>(surface.sizlBitmap.cy),
@@ -34,8 +34,8 @@ void storeTestBand(CSpoolFile& writer, const SURFOBJ& surface, const PageBits& p
                     (configuration.flags & MV_FL_IMAGEOP_FLIP_VERTICAL) != 0};
     logBand(band);
     const BandPlace place = placeBand(band);
-    if (place.offset > std::numeric_limits<std::uint32_t>::max()) return;  // beyond any bitmap section
-    writer.WriteBitmapBand(page.bits, static_cast<std::uint32_t>(place.bytes), static_cast<std::uint32_t>(place.offset));
+    if (writer == nullptr || place.offset > std::numeric_limits<std::uint32_t>::max()) return;  // beyond any bitmap section
+    writer->WriteBitmapBand(page.bits, static_cast<std::uint32_t>(place.bytes), static_cast<std::uint32_t>(place.offset));
 }
 
 }  // namespace
@@ -55,16 +55,15 @@ BandPlace placeBand(const Band& band) {
 void storePage(const SURFOBJ& surface, const PageBits& page) {
     logMorvil(1, kInformation, TEXT("DrvSendPage vor WriteBitmap"), kLogEnd);
     const ConfigurationRecord& configuration = state().configuration;
-    if (state().spoolFile && surface.pvBits != nullptr) {
-        CSpoolFile& writer = *state().spoolFile;
-        const PageBits whole = surfaceBits(surface);
-        if ((configuration.flags & MV_FL_BITMAP_BANDING) == 0) {
-            writer.WriteBitmap(whole.bits, whole.bytes);
-        } else if (configuration.processMode == kModeTest3) {
-            storeTestBand(writer, surface, page);
-        } else {
-            writer.WriteBitmapBand(whole.bits, static_cast<std::uint32_t>(whole.bytes), 0);
-        }
+    CSpoolFile* const writer = surface.pvBits != nullptr ? state().spoolFile.get() : nullptr;  // null: nothing to store, or nowhere
+    const bool banded = (configuration.flags & MV_FL_BITMAP_BANDING) != 0;
+    const PageBits whole = surfaceBits(surface);
+    if (banded && configuration.processMode == kModeTest3) {
+        storeTestBand(writer, surface, page);
+    } else if (writer != nullptr && banded) {
+        writer->WriteBitmapBand(whole.bits, static_cast<std::uint32_t>(whole.bytes), 0);
+    } else if (writer != nullptr) {
+        writer->WriteBitmap(whole.bits, whole.bytes);
     }
     logMorvil(1, kInformation, TEXT("DrvSendPage WriteBitmap Success"), kLogEnd);
 }

@@ -19,14 +19,16 @@ constexpr std::int32_t toPixels(FIX coordinate, std::int32_t offset) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(coordinate >> 4) - static_cast<std::uint32_t>(offset));
 }
 
-// Calls visit(record) for each record of the path that has points. The record that comes with FALSE is the last, and valid.
+// Calls visit(record) for each record of the path, with or without points. The record that comes with FALSE is the last, and
+// valid.
 template <typename Visit>
 void forEachRecord(PATHOBJ& path, Visit&& visit) {
     PATHOBJ_vEnumStart(&path);
     for (BOOL more = TRUE; more != FALSE;) {
         PATHDATA record{};
         more = PATHOBJ_bEnum(&path, &record);
-        if (record.count != 0 && record.pptfx != nullptr) visit(record);
+        if (record.pptfx == nullptr) record.count = 0;
+        visit(record);
     }
 }
 
@@ -60,6 +62,7 @@ class FigureCollector {
     // Records before the first figure's beginning belong to none.
     void add(const PATHDATA& record);
     [[nodiscard]] std::uint32_t count() const { return m_count; }
+    [[nodiscard]] bool begun() const { return m_figure > 0; }
 
   private:
     void put(std::int32_t x, std::int32_t y);
@@ -72,19 +75,19 @@ class FigureCollector {
     std::uint32_t m_count = 0;
 };
 
-// Calls visit(points in the arrays) for each figure, numbered by the records that begin one. A closed figure ends in its first
+// Calls visit(points in the arrays, possibly none) for each figure, numbered by the records that begin one. A closed figure ends in its first
 // point. REQUIRES: room for summarise(path).points.
 template <typename Visit>
 void forEachFigure(PATHOBJ& path, PointArrays& arrays, PixelOffset offset, Visit&& visit) {
     FigureCollector figure(arrays.xs.span(), arrays.ys.span(), offset);
     forEachRecord(path, [&](const PATHDATA& record) {
         if ((record.flags & PD_BEGINSUBPATH) != 0) {
-            if (figure.count() != 0) visit(figure.count());
+            if (figure.begun()) visit(figure.count());
             figure.begin();
         }
         figure.add(record);
     });
-    if (figure.count() != 0) visit(figure.count());
+    if (figure.begun()) visit(figure.count());
 }
 
 }  // namespace morvil

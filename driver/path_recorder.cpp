@@ -50,7 +50,7 @@ bool writeCurve(CMvPath& store, int curve, std::uint32_t colour, bool banded) {
     logRend(1, kInformation, TEXT("Curve(%d) contains %d points"), curve, count, kLogEnd);
     PointArrays points(count);
     if (!points.allocated()) return false;
-    store.getPointsToCurve(curve, points.xs.get(), points.ys.get(), &count);
+    store.getPointsToCurve(curve, points.xs.get(), points.ys.get(), nullptr, count);
     if (state().spoolFile) state().spoolFile->WritePolygon(points.xs.get(), points.ys.get(), count, colour, banded);
     return true;
 }

@@ -75,7 +75,6 @@ void writeFigures(PATHOBJ& path, PointArrays& points, COLORREF colour, bool band
 BOOL strokeDirect(PATHOBJ& path, COLORREF colour, bool banded) {
     const PathSummary summary = summarise(path);
     logRend(1, kInformation, TEXT("DrvStrokePath 1, cPoint=%u, cCurves=%d"), summary.points, path.cCurves, kLogEnd);
-    if (summary.points == 0) return TRUE;
     if (summary.points > kMostPoints) return FALSE;
     PointArrays points(static_cast<std::size_t>(summary.points));
     if (!points.allocated()) {

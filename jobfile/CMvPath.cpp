@@ -24,15 +24,15 @@ struct PathLine {
     std::int32_t flags;
 };
 
-// A line without one of its five tokens is not a point.
+// A line without one of its five tokens is not a point. The last may end the line.
 std::optional<PathLine> parseLine(std::string_view line) {
     std::array<std::int32_t, kPrefixes.size()> values{};
     for (std::size_t i = 0; i < kPrefixes.size(); ++i) {
-        const std::size_t end = line.find(';');
-        if (end == std::string_view::npos || !line.starts_with(kPrefixes[i])) return std::nullopt;
+        if (!line.starts_with(kPrefixes[i])) return std::nullopt;
+        const std::size_t end = std::min(line.find(';'), line.size());
         const std::string_view digits = line.substr(kPrefixes[i].size(), end - kPrefixes[i].size());
         std::from_chars(digits.data(), digits.data() + digits.size(), values[i]);
-        line.remove_prefix(end + 1);
+        line.remove_prefix(std::min(end + 1, line.size()));
     }
     return PathLine{values[0], values[1], values[2], values[3], values[4]};
 }
@@ -101,15 +101,17 @@ int CMvPath::addPoint(int index, int x, int y, int flags, int curve) {
     return 1;
 }
 
-int CMvPath::getPointsToCurve(int curve, std::int32_t* xs, std::int32_t* ys, std::uint32_t* count) {
+int CMvPath::getPointsToCurve(int curve, std::int32_t* xs, std::int32_t* ys, std::uint32_t* count, std::uint32_t room) {
     const bool fills = xs != nullptr && ys != nullptr;
     const bool counts = xs == nullptr && ys == nullptr && count != nullptr;
     if (!fills && !counts) {
         debugPrint(TEXT("CMvPath::getPointsToCurve, invalid parameter"));
         return 0;
     }
-    const std::uint32_t room = fills && count != nullptr ? *count : UINT32_MAX;
-    if (counts) *count = 0;
+    if (counts) {
+        *count = 0;
+        room = UINT32_MAX;
+    }
 
     FileStream file(m_path.c_str(), OpenMode::Read);
     const bool resumes = m_isOrdered && m_cursor && m_cursor->curve <= curve;

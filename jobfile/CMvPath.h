@@ -19,9 +19,9 @@ class CMvPath {
 
     // Always 1; a negative index or a file that cannot be opened is reported to the debugger output only.
     int addPoint(int index, int x, int y, int flags, int curve);
-    // Fills both arrays, or with no arrays counts the points of the curve. 1 when at least one was found, else 0.
-    // REQUIRES: the arrays hold what counting gave; with `count` beside them, no more than *count points are filled in.
-    int getPointsToCurve(int curve, std::int32_t* xs, std::int32_t* ys, std::uint32_t* count);
+    // Fills both arrays, or with no arrays counts the points of the curve into `count`. 1 when at least one was found, else 0.
+    // No more than `room` points are filled in, should the file have grown since they were counted.
+    int getPointsToCurve(int curve, std::int32_t* xs, std::int32_t* ys, std::uint32_t* count, std::uint32_t room = UINT32_MAX);
     // For the next path, when its predecessor's file has been put away.
     void resetCounters();
 

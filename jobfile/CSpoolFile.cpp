@@ -2,6 +2,8 @@
 // BitmapSection.cpp, VectorCommands.cpp, Completion.cpp.
 #include "jobfile/CSpoolFile.h"
 
+#include <algorithm>
+
 #include "driver/log/Log.h"
 #include "jobfile/JobFileFormat.h"
 #include "jobfile/SpoolFileMembers.h"
@@ -52,7 +54,7 @@ WString withNextNumber(const WString& name, const WString& title) {
         ++number;
     }
     if (number > kLargestNumber) return {};
-    return format(TEXT("%s %04d"), WStringView(base).substr(0, kNameCharacters - 1 - kNumberCharacters), number);
+    return format(TEXT("%s %04d"), WStringView(base).substr(0, kJobNameCharacters - kNumberCharacters), number);
 }
 
 WString pathOf(const WString& folder, const WString& jobName, const WCHAR* extension) {
@@ -90,7 +92,10 @@ bool CSpoolFile::SetJobName(const WCHAR* name, WCHAR* copyOut) {
     const WString asked(viewOf(chosen));  // `chosen` may be the very text that changes
     m->builtName = viewOf(m->naming.getJobName(chosen == nullptr ? nullptr : asked.c_str()));
     m->jobName = m->builtName.substr(0, kJobNameCharacters);
-    if (copyOut != nullptr) copyText(std::span<WCHAR>(copyOut, kJobNameCharacters), m->jobName);
+    if (copyOut != nullptr) {  // all 50 characters may be text: there is a terminator behind a shorter name alone
+        std::fill_n(copyOut, kJobNameCharacters, WCHAR{0});
+        m->jobName.copy(copyOut, kJobNameCharacters);
+    }
     logMorvil(1, kInformation, TEXT("CSpoolFile::SetJobName result=%s"), m->jobName, kLogEnd);
     return true;
 }

@@ -23,7 +23,7 @@ class CSpoolFile {
     CSpoolFile(const CSpoolFile&) = delete;
     CSpoolFile& operator=(const CSpoolFile&) = delete;
 
-    // `copyOut`, when given, receives at most 50 characters of the resulting name (with its terminator).
+    // `copyOut`, when given, receives at most 50 characters of the resulting name; a terminator follows a shorter one.
     bool SetJobName(const WCHAR* name, WCHAR* copyOut = nullptr);
     bool SetPrinterConfig(const ConfigurationRecord* config);
     bool BuildSpoolFileName(const WCHAR* jobName);

@@ -57,6 +57,7 @@ class CBM {
                             std::uint32_t row);
     bool ReadBitmapPart8BPP(std::uint8_t* dest, std::uint32_t& firstBit, std::uint32_t width, std::uint32_t rows, std::uint32_t column,
                             std::uint32_t row);
+    // `source` holds rows * partBytes1BPP(widthBits, sourceBit) bytes, and sourceBit / 8 more.
     bool WriteBitmapPart1BPP(const std::uint8_t* source, std::uint32_t sourceBit, std::uint32_t widthBits, std::uint32_t rows,
                              std::uint32_t column, std::uint32_t row);
     bool WriteBitmapPart8BPP(const std::uint8_t* source, std::uint32_t ignored, std::uint32_t width, std::uint32_t rows,

@@ -63,7 +63,9 @@ void cColorTable::BuildTable_8BPPMci() {
     if (lists.getCount() > kSystemColours) {
         logMorvil(1, kInformation, TEXT("Colors count=%d"), lists.getCount(), kLogEnd);
         MciPaletteWriter writer(m_entries);
-        for (const CMciColor* colour = lists.getFirst(); colour != nullptr && !writer.full(); colour = lists.getNext()) writer.put(*colour);
+        for (const CMciColor* colour = lists.getFirst(); colour != nullptr; colour = writer.full() ? nullptr : lists.getNext()) {
+            writer.put(*colour);
+        }
     } else {
         useDefaultColours(m_entries);
     }

@@ -90,6 +90,7 @@ void resetHostState() {
     state.accounts = fresh.accounts;
     state.processes = fresh.processes;
     state.version = fresh.version;
+    state.processorArchitecture = fresh.processorArchitecture;
     state.printers = fresh.printers;
     state.forms = fresh.forms;
     state.fixedTime = fresh.fixedTime;

@@ -78,6 +78,7 @@ struct HostState {
     std::map<std::uint32_t, Account> accounts;  // by user number; others come from the system's account list
     std::map<DWORD, ProcessEntry> processes;    // by process number
     SystemVersion version;
+    WORD processorArchitecture = PROCESSOR_ARCHITECTURE_AMD64;
     std::vector<SpoolerPrinter> printers;  // the first one is the default printer
     std::vector<SpoolerForm> forms;
     std::optional<std::chrono::system_clock::time_point> fixedTime;  // stops the clock

@@ -172,6 +172,7 @@ BOOL SetEndOfFile(HANDLE file) {
 }
 
 BOOL GetFileSizeEx(HANDLE file, LARGE_INTEGER* size) {
+    if (refused("GetFileSizeEx")) return FALSE;
     const int descriptor = fileOf(file);
     if (descriptor < 0) return FALSE;
     struct stat status {};

@@ -99,7 +99,7 @@ class FileMutex final : public NamedMutex {
 bool FileMutex::openFile(bool create) {
     m_file = create ? openLockFile(m_path) : platformCalls().open(m_path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, 0);
     m_process = static_cast<pid_t>(GetCurrentProcessId());
-    return m_file >= 0 && m_record.open(m_file);
+    return m_file >= 0;
 }
 
 void FileMutex::closeFile() {
@@ -118,7 +118,7 @@ bool FileMutex::open(bool create, bool& existed) {
         errno = ENOENT;
         return false;
     }
-    return lockByte(F_RDLCK, kExistenceByte);
+    return lockByte(F_RDLCK, kExistenceByte) && m_record.open(m_file);
 }
 
 bool FileMutex::adoptAfterFork() {
@@ -126,7 +126,7 @@ bool FileMutex::adoptAfterFork() {
     closeFile();
     m_owner = 0;
     m_depth = 0;
-    return openFile(true) && lockByte(F_RDLCK, kExistenceByte);
+    return openFile(true) && lockByte(F_RDLCK, kExistenceByte) && m_record.open(m_file);
 }
 
 bool FileMutex::lockByte(short type, long byte) const {

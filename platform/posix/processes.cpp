@@ -179,7 +179,7 @@ BOOL GetVersionExW(OSVERSIONINFOW* version) {
 
 void GetSystemInfo(SYSTEM_INFO* info) {
     *info = {};
-    info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_AMD64;
+    info->wProcessorArchitecture = hostState().processorArchitecture;
     info->dwPageSize = static_cast<DWORD>(::sysconf(_SC_PAGESIZE));
     info->dwNumberOfProcessors = static_cast<DWORD>(::sysconf(_SC_NPROCESSORS_ONLN));
     info->dwAllocationGranularity = 0x10000;

@@ -1,4 +1,6 @@
 // File-system services and the two questions about the machine.
+#include <sys/stat.h>
+
 #include "config/CMvFsServices.h"
 #include "config/MvOperatingSystem.h"
 #include "config/StoreTest.h"
@@ -74,6 +76,25 @@ TEST_F(FsServices, a_folder_is_made_and_opened_to_the_users) {
     EXPECT_THAT(texts(), ElementsAre("CMvFsServices::createDirectory SetFileSecurity success, kb\n"));
     EXPECT_TRUE(folderExists(kFolder));
     EXPECT_GT(entriesOf(kFolder), 0U);
+}
+
+// A folder that is made for its owner alone, on a machine whose mask allows more: what the others get, the list gives.
+TEST_F(FsServices, a_folder_gives_everything_to_the_users) {
+    const mode_t before = ::umask(0);
+    platformCalls().makeFolder = [](const char* path, mode_t) { return ::mkdir(path, 0700); };
+    EXPECT_TRUE(m_services.createDirectory(kFolder));
+    platformCalls() = systemCalls();
+    struct stat status {};
+    EXPECT_EQ(::stat(m_home.hostPath(kFolder).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0777U);
+    ::umask(before);
+}
+
+TEST_F(FsServices, a_size_that_the_system_does_not_tell_is_reported) {
+    writeBytes(TEXT("C:\\file.txt"), "12345");
+    hostState().refusals["GetFileSizeEx"] = ERROR_GEN_FAILURE;
+    EXPECT_EQ(m_services.getSize(TEXT("C:\\file.txt")), -1);
+    EXPECT_THAT(texts(), ElementsAre("!!! CMvFsServices::getSize, Error(31), invalid file size (C:\\file.txt)"));
 }
 
 TEST_F(FsServices, pathWritable_reports_wrong_use_only) {
@@ -152,6 +173,25 @@ TEST_F(FsServices, the_machine_names_its_architecture_and_printer_driver_folder)
                                      "MvOperatingSystem::getPrinterDriverSubPath=C:\\Windows\\System32\\spool\\drivers\\x64\\3\n"));
     hostState().refusals["GetSystemDirectoryW"] = ERROR_ACCESS_DENIED;
     EXPECT_TRUE(system.getPrinterDriverSubPath().empty());
+}
+
+TEST_F(FsServices, each_architecture_has_its_number_and_folder) {
+    static const struct {
+        WORD processor;
+        MvOperatingSystem::Architecture architecture;
+        const char* folder;
+    } machines[] = {{PROCESSOR_ARCHITECTURE_INTEL, MvOperatingSystem::kX86, "C:\\Windows\\System32\\spool\\drivers\\w32x86\\3"},
+                    {PROCESSOR_ARCHITECTURE_AMD64, MvOperatingSystem::kX64, "C:\\Windows\\System32\\spool\\drivers\\x64\\3"},
+                    {PROCESSOR_ARCHITECTURE_IA64, MvOperatingSystem::kIa64, "C:\\Windows\\System32\\spool\\drivers\\ia64\\3"},
+                    {5, MvOperatingSystem::kUnknown, ""}};
+    static_assert(MvOperatingSystem::kX86 == 1 && MvOperatingSystem::kX64 == 2 && MvOperatingSystem::kIa64 == 3);
+    for (const auto& machine : machines) {
+        hostState().processorArchitecture = machine.processor;
+        m_debug.clear();
+        EXPECT_EQ(MvOperatingSystem().getHardwareArchitecture(), machine.architecture);
+        EXPECT_THAT(texts(), ElementsAre("MvOperatingSystem::getHardwareArchitecture=" + std::to_string(machine.architecture) + "\n"));
+        EXPECT_EQ(toUtf8(MvOperatingSystem().getPrinterDriverSubPath()), machine.folder);
+    }
 }
 
 }  // namespace

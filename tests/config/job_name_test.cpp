@@ -4,6 +4,7 @@
 
 #include "config/CJobName.h"
 #include "config/CPrinterConfig.h"
+#include "config/CXml.h"
 #include "platform/posix/HostState.h"
 #include "support/DebugCapture.h"
 #include "support/LogFiles.h"
@@ -84,6 +85,22 @@ TEST_F(JobName, executable_selectsTheFormat) {
     for (const auto& c : cases) EXPECT_EQ(jobNameFormatOf(job, c.executable), c.format) << toUtf8(viewOf(c.executable));
 }
 
+// What a list's field has no room for stands in the file.
+TEST_F(JobName, executableBehindTheFieldOfAList_selectsItsFormatAsWell) {
+    const WString list = WString(46, TEXT('a')) + TEXT(".exe;cad.exe;late.exe");  // cut inside "cad.exe"
+    CXml store;
+    store.createDefault();
+    ASSERT_TRUE(store.putItem(TEXT("PrinterDriver.Configuration.About.JobIdentification.Format_1"), list.c_str()));
+    JobIdentification job{};
+    ASSERT_FALSE(copyText(job.formats[1], list));
+    EXPECT_EQ(jobNameFormatOf(job, TEXT("cad.exe")), 2);
+    EXPECT_EQ(jobNameFormatOf(job, TEXT("late.exe")), 2);
+    EXPECT_EQ(jobNameFormatOf(job, TEXT("other.exe")), 0);
+    EXPECT_EQ(toUtf8(applicationList(job, 2)), toUtf8(list));
+    job.formats[1][0] = TEXT('b');  // a list of its own, that only looks as long
+    EXPECT_EQ(jobNameFormatOf(job, TEXT("late.exe")), 0);
+}
+
 TEST_F(JobName, format_isLogged) {
     nameOf("Plan.txt - Editor", "editor.exe");
     EXPECT_THAT(log(), Contains("CJobName::GetFileNameFromJobName, JobNameFormat=2"));
@@ -152,8 +169,8 @@ TEST_F(JobName, format4_isTheLastPartOfAnAddress) {
 }
 
 TEST_F(JobName, reducedNames_areCutToWhatAJobNameHolds) {
-    EXPECT_EQ(nameOf((letters(60) + " - Editor").c_str(), "notepad.exe"), letters(49));
-    EXPECT_EQ(nameOf(letters(300).c_str(), "notepad.exe"), letters(49));
+    EXPECT_EQ(nameOf((letters(60) + " - Editor").c_str(), "notepad.exe"), letters(50));
+    EXPECT_EQ(nameOf(letters(300).c_str(), "notepad.exe"), letters(50));
 }
 
 TEST_F(JobName, emptyTitleOfARule_staysEmpty) {
@@ -181,6 +198,12 @@ TEST_F(JobName, directories_areLogged) {
     hostState().userName = TEXT("Erna");
     CJobName().getDirectories();
     EXPECT_THAT(log(), ElementsAre("CJobName::GetDirectories, User=Erna, mSpoolDirectory=" + toUtf8(spool)));
+}
+
+TEST_F(JobName, naming_makesNoFolderWhileTheSpoolFolderIsThere) {
+    CJobName names;
+    EXPECT_EQ(toUtf8(names.getJobName(TEXT("Plan"))), "Plan");
+    EXPECT_FALSE(exists(WString(CMvConfig().driverDataFolder()) + TEXT("\\Spool.Default")));
 }
 
 TEST_F(JobName, missingSpoolFolder_isReplacedByTheFallback) {
@@ -305,13 +328,13 @@ TEST_F(JobName, nameGivenBefore_isNotReducedAgain) {
 TEST_F(JobName, longTitle_isCutForTheNumber) {
     const std::string title = letters(49);
     putJob(spool, (title + ".tsf").c_str());
-    EXPECT_EQ(nameOf(title.c_str()), letters(44) + " 0001");
-    putJob(spool, (letters(44) + " 0001.tsf").c_str());
-    EXPECT_EQ(nameOf(title.c_str()), letters(44) + " 0002");
-    putJob(spool, (letters(44) + " 0002.tsf").c_str());
-    const std::string other = letters(44) + "yyyyy";
+    EXPECT_EQ(nameOf(title.c_str()), letters(45) + " 0001");
+    putJob(spool, (letters(45) + " 0001.tsf").c_str());
+    EXPECT_EQ(nameOf(title.c_str()), letters(45) + " 0002");
+    putJob(spool, (letters(45) + " 0002.tsf").c_str());
+    const std::string other = letters(45) + "yyyy";
     putJob(spool, (other + ".tsf").c_str());
-    EXPECT_EQ(nameOf(other.c_str()), letters(44) + " 0003") << "a title that is alike up to the cut";
+    EXPECT_EQ(nameOf(other.c_str()), letters(45) + " 0003") << "a title that is alike up to the cut";
 }
 
 TEST_F(JobName, longTitleNamedAgain_keepsItsWholeBase) {
@@ -320,7 +343,7 @@ TEST_F(JobName, longTitleNamedAgain_keepsItsWholeBase) {
     const WString first = names.getJobName(fromUtf8(title).c_str());
     putJob(spool, (toUtf8(first) + ".tsf").c_str());
     const WString second = names.getJobName(first.c_str());
-    EXPECT_EQ(toUtf8(second), letters(44) + " 0001");
+    EXPECT_EQ(toUtf8(second), letters(45) + " 0001");
     DeleteFileW((spool + first + TEXT(".tsf")).c_str());
     EXPECT_EQ(toUtf8(names.getJobName(second.c_str())), title) << "free again, and whole";
 }
@@ -337,10 +360,10 @@ TEST_F(JobName, numbersBeyondFourDigits_goOnWithFive) {
     EXPECT_EQ(nameOf("Plan"), "Plan 100000");
     const std::string title = letters(49);
     putJob(work, (title + ".tsf").c_str());
-    putJob(work, (letters(44) + " 9999.tsf").c_str());
-    EXPECT_EQ(nameOf(title.c_str()), letters(43) + " 10000");
-    putJob(work, (letters(43) + " 10000.tsf").c_str());
-    EXPECT_EQ(nameOf(title.c_str()), letters(43) + " 10001");
+    putJob(work, (letters(45) + " 9999.tsf").c_str());
+    EXPECT_EQ(nameOf(title.c_str()), letters(44) + " 10000");
+    putJob(work, (letters(44) + " 10000.tsf").c_str());
+    EXPECT_EQ(nameOf(title.c_str()), letters(44) + " 10001");
 }
 
 TEST_F(JobName, titlesThatAreNoFileNames_areSearchedByTheirFileNames) {

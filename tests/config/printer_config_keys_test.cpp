@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "PrinterConfigFixture.h"
+#include "config/SizeTemplates.h"
 
 namespace morvil::test {
 
@@ -346,6 +347,10 @@ TEST_F(PrinterConfigKeys, missingTemplateIndex_isThatOfTheTemplateOfTheNameOrSiz
     const char* const height = "PrinterDriver.Configuration.Print.SizeSettings.Template.Height";
     writeItems({kResolutionItem, {name, "Plate"}});
     EXPECT_EQ(load().size.index, 2);
+    const std::string longName = letters(80);
+    writeBytes(ini, readBytes(ini) + "SIZETEMPLATE[3].Name=" + longName + "\r\nSIZETEMPLATE[3].Height=1\r\nSIZETEMPLATE[3].Width=1\r\n");
+    writeItems({kResolutionItem, {name, longName.c_str()}});
+    EXPECT_EQ(load().size.index, 3) << "found by the whole name, of which the record holds the beginning";
     writeItems({kResolutionItem, {width, "30.04"}, {height, "20"}});
     EXPECT_EQ(load().size.index, 1);
     writeItems({kResolutionItem, {width, "31"}, {height, "20"}});
@@ -359,6 +364,18 @@ TEST_F(PrinterConfigKeys, pixels_followFromSizeAndResolution) {
     const ConfigurationRecord record = load();
     EXPECT_EQ(record.size.pixelWidth, 5847);
     EXPECT_EQ(record.size.pixelHeight, 4134);
+}
+
+TEST_F(PrinterConfigKeys, sizeTemplates_areReadWithTheReaderOfTheProcess) {
+    writeBytes(WString(folders.commonFiles()) + TEXT("\\Own.ini"),
+               "[BDSIZETEMPLATE]\r\nSIZETEMPLATE[1].Name=Plate\r\nSIZETEMPLATE[1].Height=1\r\nSIZETEMPLATE[1].Width=1\r\n");
+    writeItems({kResolutionItem, {"PrinterDriver.Configuration.Print.SizeSettings.Template.Name", "Plate"}});
+    CSizeTemplate reader(TEXT("Own.ini"));
+    ConfigurationRecord record{};
+    EXPECT_TRUE(CPrinterConfig(&reader).getConfig(TEXT(""), record));
+    EXPECT_EQ(record.size.index, 1);
+    EXPECT_EQ(reader.index(), 1);
+    EXPECT_EQ(load().size.index, 0) << "the usual file has no such template";
 }
 
 TEST(PixelsOf, roundsUpAndRefusesSizesWithoutAPage) {

@@ -148,7 +148,7 @@ TEST_F(PrinterConfigLoad, openingReadsTheFileOnce) {
     writeItems({kResolutionItem});
     ConfigurationRecord record{};
     EXPECT_TRUE(CPrinterConfig().getConfig(TEXT(""), record));
-    EXPECT_EQ(debug.count("CXml::CXml 2\n"), 1U);
+    EXPECT_EQ(debug.count("CXml::CXml 1\n"), 1U);
     EXPECT_EQ(debug.count("CXml::reload"), 1U);
 }
 

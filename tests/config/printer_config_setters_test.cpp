@@ -43,6 +43,9 @@ constexpr const WCHAR* k50 = TEXT("123456789012345678901234567890123456789012345
 
 }  // namespace
 
+// A text of so many characters.
+std::string letters(std::size_t count) { return std::string(count, 'l'); }
+
 class PrinterConfigSetters : public PrinterConfigTest {};
 
 TEST_F(PrinterConfigSetters, valuesOutOfRange_areRefusedWithoutWriting) {
@@ -236,6 +239,32 @@ TEST_F(PrinterConfigSetters, wholeRecord_comesBackAsItWas) {
     EXPECT_EQ(std::memcmp(&record, &back, sizeof record), 0);
 }
 
+// Fields of the record are shorter than what the file may hold: writing back what was read loses nothing.
+TEST_F(PrinterConfigSetters, textsLongerThanTheirFields_surviveBeingReadAndWritten) {
+    const std::string list = letters(70) + ".exe";
+    const std::string name = letters(80);
+    const std::string listPath = "PrinterDriver.Configuration.About.JobIdentification.Format_1";
+    const std::string namePath = "PrinterDriver.Configuration.Print.SizeSettings.Template.Name";
+    writeItems({kResolutionItem, {listPath.c_str(), list.c_str()}, {namePath.c_str(), name.c_str()}});
+    ConfigurationRecord record = load();
+    EXPECT_TRUE(CPrinterConfig().setConfig(TEXT(""), record));
+    EXPECT_EQ(stored(listPath), list);
+    EXPECT_EQ(stored(namePath), name);
+    record.size.name[3] = TEXT('x');
+    record.job.formats[1][3] = TEXT('x');
+    EXPECT_TRUE(CPrinterConfig().setConfig(TEXT(""), record));
+    EXPECT_EQ(stored(listPath), toUtf8(viewOf(std::span<const WCHAR>(record.job.formats[1]))));
+    EXPECT_EQ(stored(namePath), toUtf8(viewOf(std::span<const WCHAR>(record.size.name))));
+}
+
+TEST_F(PrinterConfigSetters, eachItemOfAConfiguration_isWrittenAtOnce) {
+    writeItems({kResolutionItem});
+    CPrinterConfig config;
+    debug.clear();
+    EXPECT_TRUE(config.setConfig(TEXT("Wood"), CPrinterConfig::defaultConfiguration()));
+    EXPECT_GT(debug.count("CXml::archive finishedd\n"), 40U);
+}
+
 TEST_F(PrinterConfigSetters, oneValueOutOfRange_isReportedAndTheRestIsWritten) {
     ConfigurationRecord record = CPrinterConfig::defaultConfiguration();
     record.layers = 1;
@@ -277,10 +306,27 @@ TEST_F(PrinterConfigSetters, keysOutsideTheDriver_areNeverWritten) {
     EXPECT_EQ(load().mciVersion, 3U);
 }
 
-TEST_F(PrinterConfigSetters, wholeRecord_isWrittenWithOneArchive) {
+// A block is refused as a whole when one of its texts could not be written as an attribute.
+TEST_F(PrinterConfigSetters, textsThatNoAttributeHolds_keepTheirBlockFromBeingWritten) {
     writeItems({kResolutionItem});
-    EXPECT_TRUE(CPrinterConfig().setConfig(TEXT(""), CPrinterConfig::defaultConfiguration()));
-    EXPECT_EQ(debug.count("CXml::archive finishedd\n"), 1U);
+    const std::string before = fileBytes();
+    const ConfigurationRecord defaults = CPrinterConfig::defaultConfiguration();
+    CPrinterConfig config;
+    for (const WCHAR* const text : {TEXT("a<b"), TEXT("a&b"), TEXT("a\"b")}) {
+        SizeTemplate size = defaults.size;
+        copyText(size.name, text);
+        EXPECT_FALSE(config.setSizeTemplate(size));
+        JobIdentification job = defaults.job;
+        copyText(job.name, text);
+        EXPECT_FALSE(config.setJobIdentification(job));
+        job = defaults.job;
+        copyText(job.formats[3], text);
+        EXPECT_FALSE(config.setJobIdentification(job));
+        PrintingApplication application = defaults.application;
+        copyText(application.name, text);
+        EXPECT_FALSE(config.setPrintingApplication(application));
+    }
+    EXPECT_EQ(fileBytes(), before);
 }
 
 }  // namespace morvil::test

@@ -297,19 +297,49 @@ TEST_F(Store, reload_sees_what_another_store_wrote) {
     EXPECT_EQ(item(one, TEXT("PrinterDriver.Flags.FL_1")), "two");
 }
 
-TEST_F(Store, many_changes_between_begin_and_end_are_written_once) {
+TEST_F(Store, each_change_between_begin_and_end_writes_the_file_and_the_disk_has_it_at_the_end) {
     writeBytes(kFile, kFileBytes);
+    static int flushes = 0;
+    flushes = 0;
+    platformCalls().flush = [](int file) { return ++flushes, systemCalls().flush(file); };
     CXml xml(kFile);
     m_debug.clear();
     xml.beginChanges();
     EXPECT_TRUE(xml.putItem(TEXT("PrinterDriver.A"), TEXT("1")));
+    EXPECT_NE(readBytes(kFile).find("<A value=\"1\"/>"), std::string::npos);
     EXPECT_TRUE(xml.putItem(TEXT("PrinterDriver.B"), TEXT("2")));
+    EXPECT_NE(readBytes(kFile).find("<B value=\"2\"/>"), std::string::npos);
     EXPECT_TRUE(xml.removeItem(TEXT("PrinterDriver.Flags")));
-    EXPECT_EQ(readBytes(kFile), kFileBytes);
+    EXPECT_EQ(readBytes(kFile).find("<Flags"), std::string::npos);
+    EXPECT_EQ(flushes, 0);
     EXPECT_TRUE(xml.endChanges());
-    EXPECT_EQ(m_debug.count("CXml::archive finishedd\n"), 1U);
-    CXml other(kFile);
-    EXPECT_EQ(item(other, TEXT("PrinterDriver.B")), "2");
+    EXPECT_EQ(flushes, 1);
+    EXPECT_EQ(m_debug.count("CXml::archive finishedd\n"), 3U);
+    EXPECT_TRUE(xml.putItem(TEXT("PrinterDriver.A"), TEXT("3")));
+    EXPECT_GT(flushes, 1) << "a change outside of a row waits for nothing";
+}
+
+TEST_F(Store, a_disk_that_refuses_the_end_of_a_row_is_told_and_leaves_the_file_whole) {
+    writeBytes(kFile, kFileBytes);
+    CXml xml(kFile);
+    xml.beginChanges();
+    EXPECT_TRUE(xml.putItem(TEXT("PrinterDriver.A"), TEXT("1")));
+    const std::string written = readBytes(kFile);
+    {
+        test::FailingCalls faults(1, test::Fault::Persistent, "flush");
+        EXPECT_FALSE(xml.endChanges());
+    }
+    EXPECT_EQ(readBytes(kFile), written);
+    xml.beginChanges();
+    EXPECT_TRUE(xml.endChanges()) << "nothing was changed";
+}
+
+TEST_F(Store, a_document_that_cannot_be_stored_ends_with_the_last_line_as_well) {
+    CXml xml(WString(261, TEXT('a')).c_str());
+    m_debug.clear();
+    EXPECT_FALSE(xml.archive());
+    EXPECT_TRUE(m_debug.texts().back() == "CXml::archive finishedd\n") << m_debug.texts().back();
+    EXPECT_EQ(m_debug.count("MvMutex::release 2 mutex"), 0U);
 }
 
 TEST_F(Store, comments_and_a_document_type_survive_a_change) {

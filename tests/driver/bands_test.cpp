@@ -154,6 +154,17 @@ TEST_F(Bands, test_bands_go_to_their_place) {
               Contains("usHeight=80, uiBandPosition=60, Delta=300")));
 }
 
+TEST_F(Bands, mirrored_test_bands_are_stored_from_the_end) {
+    configuration().processMode = kModeTest3;
+    configuration().flags |= MV_FL_IMAGEOP_FLIP_VERTICAL;
+    startBanded(30);
+    POINTL origin{};
+    while (DrvNextBand(pso, &origin) != FALSE) {
+    }
+    EXPECT_THAT(bandWrites(),
+                ElementsAre("uiBuffSize=9000, uiOffset=15000", "uiBuffSize=9000, uiOffset=6000", "uiBuffSize=6000, uiOffset=0"));
+}
+
 TEST_F(Bands, places_within_the_pixel_area) {
     static const struct {
         const char* what;

@@ -1,5 +1,6 @@
 #include "config/CMvConfig.h"
 #include "driver/DriverFixture.h"
+#include "support/VersionedProgram.h"
 #include "driver/job_writer.h"
 #include "platform/posix/HostState.h"
 
@@ -66,6 +67,20 @@ TEST_F(Document, a_title_of_259_characters_names_the_job) {
     EXPECT_EQ(jobNameAsked(), std::string(259, 't'));
     EXPECT_THAT(morvilLog(), Not(Contains(HasSubstr("JobName from configuration"))));
     EXPECT_EQ(viewOf(std::span<const WCHAR>(pdev->configuration().job.name)), viewOf(state().spoolFile->jobName()).substr(0, 49));
+}
+
+// The field has no room for a terminator then; what stands behind it stays.
+TEST_F(Document, a_resulting_name_of_50_characters_fills_the_field_of_the_instance) {
+    configuration().job.nameMode = 1;
+    copyText(configuration().application.name, TEXT("notepad.exe"));
+    enableSurface();
+    const WString before(viewOf(std::span<const WCHAR>(pdev->configuration().job.formats[0])));
+    WString title = WString(60, TEXT('t')) + TEXT(" - Editor");
+    EXPECT_EQ(DrvStartDoc(pso, title.data(), 1), TRUE);
+    EXPECT_EQ(viewOf(std::span<const WCHAR>(pdev->configuration().job.name)), WString(50, TEXT('t')));
+    EXPECT_EQ(viewOf(std::span<const WCHAR>(pdev->configuration().job.formats[0])), before);
+    EXPECT_EQ(DrvStartDoc(pso, nullptr, 1), TRUE);
+    EXPECT_EQ(jobNameAsked(), std::string(50, 't')) << "read back without running into the next field";
 }
 
 TEST_F(Document, the_resulting_name_goes_into_the_instance) {
@@ -165,6 +180,9 @@ TEST_F(Document, the_driver_version_goes_into_the_main_ini_when_there_is_one) {
     };
     DriverInfo2MorvilConf();
     EXPECT_EQ(stored(), "0.0.0");  // no driver file, so what was there stays
+    writeBytes(TEXT("C:\\Windows\\System32\\spool\\drivers\\x64\\3\\morvil.dll"), programWithVersion({6, 1, 2, 34}));
+    DriverInfo2MorvilConf();
+    EXPECT_EQ(stored(), "6.01.2.34");
 }
 
 }  // namespace

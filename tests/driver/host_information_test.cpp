@@ -4,6 +4,7 @@
 #include "driver/Handle.h"
 #include "driver/impersonation.h"
 #include "platform/posix/HostState.h"
+#include "platform/posix/PlatformCalls.h"
 
 namespace morvil::test {
 namespace {
@@ -64,6 +65,19 @@ TEST_F(HostInformation, a_printer_that_cannot_be_asked_leaves_no_line) {
     hostState().refusals["GetPrinterW"] = ERROR_ACCESS_DENIED;
     dumpPrinterInformation(printer);
     EXPECT_THAT(morvilLog(), IsEmpty());
+}
+
+// What cannot be had stays zero, and a text that is not there prints as one.
+TEST_F(HostInformation, a_printer_that_tells_its_size_alone_is_logged_empty) {
+    platformCalls().allocate = [](std::size_t bytes) {  // the buffer is taken between the two questions
+        hostState().refusals["GetPrinterW"] = ERROR_ACCESS_DENIED;
+        return systemCalls().allocate(bytes);
+    };
+    dumpPrinterInformation(printer);
+    platformCalls() = systemCalls();
+    EXPECT_THAT(morvilLog(), ElementsAre("Server=(null), PrinterName=(null), ShareName=(null), PortName=(null)",
+                                         "Driver=(null), SeperatorFile=(null), PrintProcessor=(null), DataType=(null)",
+                                         "Attributes=0, Jobs=0"));
 }
 
 TEST_F(HostInformation, a_printer_without_spooling_is_marked) {
@@ -169,6 +183,32 @@ TEST_F(HostInformation, owner_names_of_a_hundred_characters_are_not_handed_out) 
     EXPECT_EQ(tokenOwner(kStranger, account, domain), TRUE);
     EXPECT_EQ(viewOf(std::span<const WCHAR>(account)), TEXT("a"));
     EXPECT_EQ(viewOf(std::span<const WCHAR>(domain)), shorter);
+}
+
+TEST_F(HostInformation, owner_domains_of_a_hundred_characters_are_not_handed_out) {
+    const WString longDomain(100, TEXT('n'));
+    const WString shorter(99, TEXT('m'));
+    addProcess(kStranger, TEXT("paint.exe"), 1001, shorter, longDomain);
+    std::array<WCHAR, 200> account{TEXT('a'), 0};
+    std::array<WCHAR, 200> domain{TEXT('d'), 0};
+    EXPECT_EQ(tokenOwner(kStranger, account, domain), TRUE);
+    EXPECT_EQ(viewOf(std::span<const WCHAR>(account)), shorter);
+    EXPECT_EQ(viewOf(std::span<const WCHAR>(domain)), TEXT("d"));
+}
+
+TEST_F(HostInformation, owner_that_the_system_does_not_know_has_no_name) {
+    addProcess(kStranger, TEXT("paint.exe"), 1001, TEXT("anna"), TEXT("SHOP"));
+    hostState().userName = TEXT("bert");
+    hostState().refusals["LookupAccountSidW"] = ERROR_NONE_MAPPED;
+    std::array<WCHAR, kOwnerCharacters> account{TEXT('a'), 0};
+    std::array<WCHAR, kOwnerCharacters> domain{TEXT('d'), 0};
+    EXPECT_EQ(tokenOwner(kStranger, account, domain), FALSE);
+    EXPECT_EQ(account[0], TEXT('a'));
+    EXPECT_EQ(domain[0], TEXT('d'));
+    EXPECT_THAT(morvilLog(), IsEmpty());
+    std::array<WCHAR, kProcessNameCharacters> name{};
+    EXPECT_EQ(PrintProcessNameAndID(kStranger, name), TRUE);
+    EXPECT_THAT(morvilLog(), ElementsAre("UserName=bert, ProcessName=paint.exe, ProcessID=4711, ProcessOwner=, ProcessDomain="));
 }
 
 class Impersonation : public HostInformation {};

@@ -136,6 +136,13 @@ TEST_F(Instance, the_identifier_shows_its_bytes_in_decimal) {
     DrvDisablePDEV(instance);
 }
 
+// Read back as hexadecimal, three decimal digits do not fit the byte: the hundreds are lost.
+TEST_F(Instance, identifier_bytes_from_a_hundred_on_lose_their_hundreds) {
+    configuration().timeStamp = 0x0A1E64FF;  // 10, 30, 100, 255
+    DrvDisablePDEV(enableWith(&devmode.dm));
+    EXPECT_THAT(morvilLog(), Contains(testing::HasSubstr("DrvEnablePDEV, ID=10300055, ")));
+}
+
 TEST_F(Instance, the_job_name_is_logged_only_when_it_counts) {
     static const struct {
         DWORD mode;

@@ -161,6 +161,54 @@ TEST_F(Page, pages_without_a_writer_are_sent_silently) {
     EXPECT_THAT(jobFileNames(), IsEmpty());
 }
 
+TEST_F(Page, test_bands_without_a_writer_leave_their_lines) {
+    configuration().processMode = kModeTest3;
+    configuration().flags = MV_FL_BITMAP_BANDING;
+    enableSurface();
+    state().configuration = pdev->configuration();
+    clearLogs();
+    EXPECT_EQ(DrvSendPage(pso), TRUE);
+    EXPECT_THAT(morvilLog(), IsSupersetOf({std::string("WriteBitmapPart, uiBandPosition=0, pDst->sizlBitmap.cy=80, jobHeight=80, delta=300"),
+                                           std::string("usHeight=80, uiBandPosition=0, Delta=300"),
+                                           std::string("DrvSendPage WriteBitmap Success")}));
+    EXPECT_THAT(jobFileNames(), IsEmpty());
+}
+
+constexpr std::size_t kPaletteEnd = 14 + 40 + 2 * 4;  // file header, information header, two colours
+
+// What stands between the tags of the bitmap in the unfinished job.
+std::string startedBitmap(const std::string& job) {
+    const std::size_t begin = job.find("<STBmp: 0;0>");
+    const std::size_t end = job.find("<EOBmp>");
+    return begin < end && end != std::string::npos ? job.substr(begin + 12, end - begin - 12) : std::string();
+}
+
+// The pixels are left to WriteBitmap, or filled with white at once, for bands that may never come.
+TEST_F(Page, a_whole_page_starts_without_pixels_in_the_file) {
+    startPage();
+    EXPECT_EQ(startedBitmap(jobFile(".tsa")).size(), kPaletteEnd);
+}
+
+TEST_F(Page, a_banded_page_starts_white_in_the_file) {
+    configuration().flags = MV_FL_BITMAP_BANDING;
+    startPage();
+    const std::string bitmap = startedBitmap(jobFile(".tsa"));
+    ASSERT_EQ(bitmap.size(), kPaletteEnd + 80 * 16);
+    EXPECT_EQ(bitmap.substr(kPaletteEnd, 12), std::string(12, '\xFF'));
+    EXPECT_EQ(bitmap.substr(bitmap.size() - 16, 12), std::string(12, '\xFF'));
+}
+
+TEST_F(Page, a_surface_that_cannot_be_locked_is_reported_and_the_page_goes_on) {
+    startDocument();
+    std::fill(bits().begin(), bits().end(), std::uint8_t{0x77});
+    engine.locks = false;
+    clearLogs();
+    EXPECT_EQ(DrvStartPage(pso), TRUE);
+    EXPECT_THAT(morvilLog(), Contains("!!! FilleSurface Fehler bei EngLockSurface"));
+    EXPECT_EQ(morvilLog().back(), "DrvStartPage finished");
+    EXPECT_THAT(bits(), Each(0x77));
+}
+
 TEST_F(Page, three_pages_make_three_jobs) {
     startDocument();
     for (int page = 0; page < 3; ++page) {

@@ -52,6 +52,19 @@ TEST_F(PathPoints, an_empty_path_has_nothing) {
     EXPECT_TRUE(figures(path).empty());
 }
 
+// The flag alone closes, in a record of its own.
+TEST_F(PathPoints, a_record_without_points_closes_its_figure) {
+    FakePath path({{PD_BEGINSUBPATH, {fixedPoint(1, 1), fixedPoint(9, 1), fixedPoint(5, 7)}}, {PD_ENDSUBPATH | PD_CLOSEFIGURE, {}}});
+    EXPECT_EQ(summarise(path).points, 4U);
+    EXPECT_EQ(wholePath(path), (Points{{1, 1}, {9, 1}, {5, 7}, {1, 1}}));
+    EXPECT_THAT(figures(path), ElementsAre(Points{{1, 1}, {9, 1}, {5, 7}, {1, 1}}));
+}
+
+TEST_F(PathPoints, a_figure_without_points_counts_as_one) {
+    FakePath path({{kWhole, {}}, {kWhole, {fixedPoint(1, 1), fixedPoint(2, 2)}}});
+    EXPECT_THAT(figures(path), ElementsAre(Points{}, Points{{1, 1}, {2, 2}}));
+}
+
 TEST_F(PathPoints, points_before_the_first_figure_belong_to_none) {
     FakePath path({{0, {fixedPoint(1, 1), fixedPoint(2, 2)}}, {kWhole, {fixedPoint(3, 3), fixedPoint(4, 4)}}});
     EXPECT_THAT(figures(path), ElementsAre(Points{{3, 3}, {4, 4}}));

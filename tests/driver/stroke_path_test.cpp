@@ -193,6 +193,25 @@ TEST_F(Stroke, an_empty_path_is_done_at_once) {
     EXPECT_THAT(written(), IsEmpty());
 }
 
+TEST_F(Stroke, curves_without_points_reach_the_writer_which_refuses_them) {
+    startPage();
+    FakePath path;
+    path.fl = PO_BEZIERS;
+    clearLogs();
+    EXPECT_EQ(stroke(&path), TRUE);
+    EXPECT_THAT(written(), IsEmpty());
+    EXPECT_THAT(morvilLog(), Contains("!!! Error WriteBezier"));
+}
+
+TEST_F(Stroke, a_figure_without_points_reaches_the_writer_which_refuses_it) {
+    startPage();
+    FakePath path(std::vector<PathRecord>{{kWhole, {}}});
+    clearLogs();
+    EXPECT_EQ(stroke(&path), TRUE);
+    EXPECT_THAT(written(), IsEmpty());
+    EXPECT_THAT(morvilLog(), Contains("!!! Error WritePolygon"));
+}
+
 TEST_F(Stroke, curves_are_one_bezier_command) {
     startPage();
     state().uiBandPosition = 5;  // does not move curves
@@ -300,6 +319,14 @@ TEST_F(Recorder, a_path_above_the_limit_is_read_back_curve_by_curve) {
     EXPECT_THAT(keptFiles(), IsEmpty());
 }
 
+TEST_F(Recorder, curves_above_the_limit_become_polygons_of_their_control_points) {
+    startPage();
+    FakePath path = curve();
+    working().ppoThreshold = 0;
+    EXPECT_EQ(stroke(&path), TRUE);
+    EXPECT_THAT(written(), ElementsAre("<DrawPolygon: 4;0;0;0;1;1;2;9;8;9;9;1>"));
+}
+
 TEST_F(Recorder, open_figures_run_on_in_one_curve) {
     startPage();
     FakePath path({{kWhole, {fixedPoint(1, 2), fixedPoint(3, 4)}}, {kWhole, {fixedPoint(5, 6), fixedPoint(7, 8)}}});
@@ -337,10 +364,10 @@ TEST_F(Recorder, a_diagnostic_job_keeps_its_paths) {
 class BezierLibrary : public Stroke {
   protected:
     // Puts the test library where the driver looks for libraries; the accuracy tells it what to answer.
-    void install(WORD accuracy) {
+    void install(WORD accuracy, const char* library = MORVIL_TEST_BEZIER_LIBRARY) {
         const std::filesystem::path folder = home.hostPath(TEXT("C:\\Program Files\\Morvil\\PrinterDriver"));
         std::filesystem::create_directories(folder);
-        std::filesystem::copy_file(MORVIL_TEST_BEZIER_LIBRARY, folder / "MvBezier.dll", std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::copy_file(library, folder / "MvBezier.dll", std::filesystem::copy_options::overwrite_existing);
         configuration().bezier.accuracy = accuracy;
     }
     BOOL strokeCurve() {
@@ -377,6 +404,19 @@ TEST_F(BezierLibrary, an_arc_is_written_in_the_colour) {
     ASSERT_EQ(written().size(), 1U);
     // The library answers with what it was given: four points, the first x and the last y.
     EXPECT_EQ(written().front(), "<DrawArc: 255;0;0;1;1;4;10.00;20.00;1>");
+    EXPECT_EQ(outstanding().libraries, 0U);
+}
+
+TEST_F(BezierLibrary, without_a_start_it_is_asked_all_the_same) {
+    install(0, MORVIL_TEST_BEZIER_LIBRARY_WITHOUT_START);
+    EXPECT_EQ(strokeCurve(), TRUE);
+    EXPECT_THAT(written(), ElementsAre("<DrawArc: 255;0;0;1;2;3;4.00;5.00;6>"));
+}
+
+TEST_F(BezierLibrary, without_arcs_it_writes_nothing) {
+    install(2, MORVIL_TEST_BEZIER_LIBRARY_WITHOUT_ARCS);
+    EXPECT_EQ(strokeCurve(), TRUE);
+    EXPECT_THAT(written(), IsEmpty());
     EXPECT_EQ(outstanding().libraries, 0U);
 }
 

@@ -218,6 +218,19 @@ TEST_F(JobHeader, diagnostic_group_is_written_in_mode_1_alone) {
     }
 }
 
+TEST_F(JobHeader, a_measurement_point_without_a_number_is_reported_and_left_out) {
+    config.diagnostic.enabled = 1;
+    enablePoint(config, 0);
+    writeBytes(CMvConfig().diagnosticsFile(), "<MeasurementPoints><MeasurementPoint Identifier=\"none\"/></MeasurementPoints>");
+    CSpoolFile writer;
+    writer.SetPrinterConfig(&config);
+    writer.SetJobName(TEXT("Plan"));
+    const DebugCapture debug;
+    writer.WriteHeader();
+    EXPECT_EQ(debug.count("CMvString::asUnsignedInt, Error parameter"), 1U);
+    EXPECT_FALSE(hasKeyword(bytesOf(writer), "MeasurePoint:"));
+}
+
 TEST_F(JobHeader, measurement_points_go_by_position_and_print_their_number) {
     config.diagnostic.enabled = 1;
     for (const int k : {0, 2, 3, 4, 5, 6, 9}) enablePoint(config, k);

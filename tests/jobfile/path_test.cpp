@@ -116,15 +116,32 @@ TEST_F(PathStore, gives_back_the_points_of_each_curve_in_any_order_of_asking) {
     EXPECT_EQ(countOf(path, 4), 6U);
 }
 
-TEST_F(PathStore, a_count_beside_the_arrays_limits_what_is_filled_in) {
+TEST_F(PathStore, a_limit_beside_the_arrays_holds_what_is_filled_in) {
     CMvPath path(kFolder);
     for (int i = 0; i < 5; ++i) path.addPoint(i, i, i, 0, 0);
     std::array<std::int32_t, 4> xs{9, 9, 9, 9};
     std::array<std::int32_t, 4> ys{9, 9, 9, 9};
-    std::uint32_t room = 3;
-    EXPECT_EQ(path.getPointsToCurve(0, xs.data(), ys.data(), &room), 1);
+    EXPECT_EQ(path.getPointsToCurve(0, xs.data(), ys.data(), nullptr, 3), 1);
     EXPECT_EQ(xs, (std::array<std::int32_t, 4>{0, 1, 2, 9}));
     EXPECT_EQ(ys, (std::array<std::int32_t, 4>{0, 1, 2, 9}));
+}
+
+TEST_F(PathStore, a_count_beside_the_arrays_is_left_alone) {
+    CMvPath path(kFolder);
+    for (int i = 0; i < 3; ++i) path.addPoint(i, i, 10 + i, 0, 0);
+    std::array<std::int32_t, 3> xs{};
+    std::array<std::int32_t, 3> ys{};
+    std::uint32_t count = 0;
+    EXPECT_EQ(path.getPointsToCurve(0, xs.data(), ys.data(), &count), 1);
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(xs, (std::array<std::int32_t, 3>{0, 1, 2}));
+    EXPECT_EQ(ys, (std::array<std::int32_t, 3>{10, 11, 12}));
+}
+
+TEST_F(PathStore, the_last_token_may_end_the_line) {
+    CMvPath path(kFolder);
+    writeBytes(kFile, "Curve=1;Index=0;X=7;Y=8;Flags=0\r\nCurve=1;Index=1;X=9;Y=10;Flags=0");
+    EXPECT_EQ(pointsOf(path, 1), (std::vector<std::int32_t>{7, 8, 9, 10}));
 }
 
 TEST_F(PathStore, search_ends_at_the_first_higher_curve) {
