@@ -97,16 +97,17 @@ bool CSpoolFile::WriteBitmap(const std::uint8_t* pageBits, std::size_t bytes) {
     VectorBackup backup;
     const bool saved = backup.save(file, oldStart, m->backupFile);
 
+    bool renewed = true;
     if (m->config.processMode == kModeColourStamp) {
         std::vector<std::uint8_t> colours;
         m->bitmap.GetUsedIndices8BPP(pageBits, colours);
         const bool closed = file.close();  // the colour group is written through a stream of its own
         WriteMciHeader(colours);
-        const bool renewed = file.open(m->jobFile.c_str(), OpenMode::Update) && m->renewImage(file);
+        renewed = file.open(m->jobFile.c_str(), OpenMode::Update) && m->renewImage(file);
         m->isWhole = m->isWhole && closed && renewed;
     }
     bool result = false;
-    {
+    if (renewed && bytes >= m->bitmap.imageSize()) {
         const LentStream lent(m->bitmap, file);
         result = m->bitmap.WriteBitmap(pageBits);
     }

@@ -17,6 +17,20 @@ namespace morvil {
 
 namespace {
 
+// Gives a value back what it was when this object goes.
+template <typename T>
+class Kept {
+  public:
+    explicit Kept(T& value) : m_value(value), m_before(value) {}
+    ~Kept() { m_value = m_before; }
+    Kept(const Kept&) = delete;
+    Kept& operator=(const Kept&) = delete;
+
+  private:
+    T& m_value;
+    T m_before;
+};
+
 // Kept free on each side of the box, in pixels.
 struct Margins {
     std::uint32_t left;
@@ -122,9 +136,8 @@ void CSpoolFile::doShrinkToBoundigbox() {
     VectorBackup vectors;
     if (vectors.save(file, m->vectors.start(), m->backupFile) && measure(file, vectors, plan)) {
         file.close();
-        const SizeTemplate size = m->config.size;  // the next page has its own size again
+        const Kept size(m->config.size);  // the next page has its own size again
         rewrite(vectors, plan);
-        m->config.size = size;
     }
     vectors.remove();
     file.close();
@@ -220,7 +233,7 @@ void CSpoolFile::AddOffstToVectors(const VectorBackup& vectors, std::int32_t dx,
     logMorvil(1, kInformation, TEXT("CSpoolFile::AddOffstToVectors"), kLogEnd);
     WriteVectorSection();
     constexpr DWORD kMirrorFlags = MV_FL_IMAGEOP_FLIP_VERTICAL | MV_FL_IMAGEOP_FLIP_HORIZONTAL;
-    const DWORD flags = m->config.flags;
+    const Kept flags(m->config.flags);
     m->config.flags &= ~kMirrorFlags;  // the points have been mirrored when they were drawn
     // A point that would leave the page takes the coordinate of its predecessor.
     const auto move = [](std::vector<std::int32_t>& coordinates, std::int32_t distance) {
@@ -241,7 +254,6 @@ void CSpoolFile::AddOffstToVectors(const VectorBackup& vectors, std::int32_t dx,
         WritePolygon(polygon.xs.data(), polygon.ys.data(), static_cast<std::uint32_t>(polygon.xs.size()), polygon.colour, false);
     }
     m->isWhole = m->isWhole && lines.isOpen() && !lines.failed();
-    m->config.flags = flags;
     logMorvil(1, kInformation, TEXT("CBM::AddOffstToVectors finished"), kLogEnd);
 }
 

@@ -153,6 +153,16 @@ TEST_F(MciColours, a_group_that_cannot_be_written_spoils_the_job) {
     EXPECT_EQ(spoolFiles(), Strings{});
 }
 
+TEST_F(MciColours, a_page_that_is_too_short_for_the_image_made_anew_is_refused) {
+    const auto writer = begin(1);
+    ConfigurationRecord larger = config;
+    larger.size.pixelWidth = 4000;
+    writer->SetPrinterConfig(&larger);
+    EXPECT_FALSE(sendPage(*writer, std::string(8, '\0')));
+    writer->Complete();
+    EXPECT_EQ(spoolFiles(), Strings{});
+}
+
 TEST_F(MciColours, each_call_that_fails_leaves_a_whole_job_or_none) {
     m_log.settings.enabled = 0;
     const auto run = [this](int n, Fault fault, const char* call, int& fired) {
