@@ -115,6 +115,7 @@ const GoldenCase kGolden[] = {
     {"test1", "badge.emf", {std::string(kMode) + "6000"}, {}},
     {"test2", "badge.emf", {std::string(kMode) + "7000"}, {}},
     {"banded-test3", "badge.emf", {std::string(kMode) + "8000", std::string(kFirstFlag) + "MV_FL_BITMAP_BANDING"}},
+    {"banded-halftone-test3", "badge.emf", {std::string(kMode) + "8000", std::string(kFirstFlag) + "MV_FL_BITMAP_BANDING"}, {}, true},
     {"halftone-standard", "shades.emf", {}, {}, true},
     {"halftone-test2", "shades.emf", {std::string(kMode) + "7000"}, {}, true},
     {"halftone-test3-4x4", "shades.emf", {std::string(kMode) + "8000", kPatternSize + "2"}, {}, true},
