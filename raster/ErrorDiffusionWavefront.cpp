@@ -42,14 +42,17 @@ class Wavefront {
     bool reserve() {
         const std::uint32_t width = m_grey.width();
         const std::size_t carryBytes = kCarryBefore + width + kCarryBehind;
-        const std::size_t skewed = skewedBytes(width, m_wide.lanes);
-        m_block = LocalBlock<std::uint8_t>(2 * carryBytes + skewed + m_wide.lanes * stagedRowBytes(width) + width);
+        m_band.skewedBytes = width / 8 + kSkewedBesides;
+        m_band.stagedBytes = width / 8 + kStagedBesides;
+        const std::size_t skewed = m_wide.lanes * m_band.skewedBytes;
+        const std::size_t staged = m_wide.lanes * m_band.stagedBytes;
+        m_block = LocalBlock<std::uint8_t>(2 * carryBytes + skewed + staged + width);
         if (!m_block || !m_grey.reserve(m_wide.lanes)) return false;
         m_band.carried = m_block.get() + kCarryBefore;
         m_band.carriedBelow = m_band.carried + carryBytes;
         m_band.skewed = m_block.get() + 2 * carryBytes;
         m_band.bits = m_band.skewed + skewed;
-        m_noRow = m_band.bits + m_wide.lanes * stagedRowBytes(width);
+        m_noRow = m_band.bits + staged;
         m_band.fresh = m_fresh.data();
         m_band.width = width;
         return true;
@@ -70,7 +73,7 @@ class Wavefront {
 
     // What stands behind the last pixel stays zero.
     void copyOut(std::uint32_t lane, std::uint8_t* out) const {
-        const std::uint8_t* const bits = m_band.bits + lane * stagedRowBytes(m_grey.width()) + kStagedBefore;
+        const std::uint8_t* const bits = m_band.bits + lane * m_band.stagedBytes + kStagedBefore;
         const std::size_t whole = m_grey.width() / 8;
         const unsigned rest = m_grey.width() % 8;
         std::memcpy(out, bits, whole);

@@ -21,8 +21,10 @@ struct DiffusionBand {
     // them. The band leaves those of the rows behind it. Each has kCarryBefore bytes in front of column 0, kCarryBehind behind the last.
     std::uint8_t* carried;
     std::uint8_t* carriedBelow;
-    std::uint8_t* skewed;  // room for skewedBytes() bytes
-    std::uint8_t* bits;    // room for a row of stagedRowBytes() in each lane; its pixels begin kStagedBefore bytes from its start
+    std::uint8_t* skewed;  // room for skewedBytes for each lane
+    std::size_t skewedBytes;
+    std::uint8_t* bits;  // room for a row of stagedBytes in each lane; its pixels begin kStagedBefore bytes from its start
+    std::size_t stagedBytes;
     std::uint32_t width;
 };
 
@@ -30,8 +32,8 @@ inline constexpr std::uint32_t kBandStep = 16;  // columns at once
 inline constexpr std::size_t kCarryBefore = 256;
 inline constexpr std::size_t kCarryBehind = 256;
 inline constexpr std::size_t kStagedBefore = 64;
-constexpr std::size_t stagedRowBytes(std::uint32_t width) { return kStagedBefore + width / 8 + 128; }
-constexpr std::size_t skewedBytes(std::uint32_t width, unsigned lanes) { return (std::size_t{width} / 8 + 64) * lanes; }
+inline constexpr std::size_t kStagedBesides = 192;  // bytes of a staged row besides those of its pixels
+inline constexpr std::size_t kSkewedBesides = 64;
 
 struct WideHalftone {
     unsigned lanes;

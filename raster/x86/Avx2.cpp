@@ -35,6 +35,11 @@ inline Vector greater(Vector a, Vector b) { return {_mm256_cmpgt_epi8(a.v, b.v)}
 inline Vector notAbove(Vector a, Vector b) { return {_mm256_cmpeq_epi8(_mm256_min_epu8(a.v, b.v), a.v)}; }
 inline Vector mean(Vector a, Vector b) { return {_mm256_avg_epu8(a.v, b.v)}; }
 inline Vector multiplyHigh(Vector a, Vector b) { return {_mm256_mulhi_epu16(a.v, b.v)}; }
+
+// Shares of white pixels, whose error is negative, change their sign.
+inline Vector signOf(Vector white) { return either(white, bytes(1)); }
+inline Vector withSign(Vector share, Vector sign) { return {_mm256_sign_epi8(share.v, sign.v)}; }
+
 template <int Bits>
 inline Vector shiftedRight(Vector a) {
     return {_mm256_and_si256(_mm256_srli_epi16(a.v, Bits), bytes(0xFF >> Bits).v)};

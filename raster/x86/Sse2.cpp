@@ -29,6 +29,11 @@ inline Vector greater(Vector a, Vector b) { return {_mm_cmpgt_epi8(a.v, b.v)}; }
 inline Vector notAbove(Vector a, Vector b) { return {_mm_cmpeq_epi8(_mm_min_epu8(a.v, b.v), a.v)}; }
 inline Vector mean(Vector a, Vector b) { return {_mm_avg_epu8(a.v, b.v)}; }
 inline Vector multiplyHigh(Vector a, Vector b) { return {_mm_mulhi_epu16(a.v, b.v)}; }
+
+// Shares of white pixels, whose error is negative, change their sign.
+inline Vector signOf(Vector white) { return white; }
+inline Vector withSign(Vector share, Vector sign) { return subtract(exclusive(share, sign), sign); }
+
 template <int Bits>
 inline Vector shiftedRight(Vector a) {
     return {_mm_and_si128(_mm_srli_epi16(a.v, Bits), bytes(0xFF >> Bits).v)};

@@ -54,8 +54,6 @@ inline Vector scaled(Vector even, Vector oddAbove) {
     return even_or_odd(multiplyHigh(even, factor), multiplyHigh(oddAbove, factor));
 }
 
-inline Vector withSign(Vector share, Vector white) { return subtract(exclusive(share, white), white); }
-
 // The error's size: v where the pixel becomes black, 255 - v where it becomes white.
 inline Vector errorOf(Vector value, Vector white) { return exclusive(exclusive(value, bytes(0x80)), white); }
 
@@ -106,9 +104,10 @@ struct BurkesLanes : FiveColumns {
     static void shares(Vector value, Vector white, Vector outside, Vector (&out)[kWeights]) {
         Vector m = errorOf(value, white);
         if constexpr (Edge) m = without(m, outside);
-        out[0] = withSign(shiftedRight<2>(m), white);
-        out[1] = withSign(shiftedRight<3>(m), white);
-        out[2] = withSign(shiftedRight<4>(m), white);
+        const Vector sign = signOf(white);
+        out[0] = withSign(shiftedRight<2>(m), sign);
+        out[1] = withSign(shiftedRight<3>(m), sign);
+        out[2] = withSign(shiftedRight<4>(m), sign);
     }
 };
 
@@ -125,10 +124,11 @@ struct StuckiLanes : FiveColumns {
         Vector m = errorOf(value, white);
         if constexpr (Edge) m = without(m, outside);
         const Vector eight = scaled<8, 42>(evenBytes(m), oddBytes(m));
-        out[0] = withSign(eight, white);
-        out[1] = withSign(shiftedRight<1>(eight), white);
-        out[2] = withSign(shiftedRight<2>(eight), white);
-        out[3] = withSign(shiftedRight<3>(eight), white);
+        const Vector sign = signOf(white);
+        out[0] = withSign(eight, sign);
+        out[1] = withSign(shiftedRight<1>(eight), sign);
+        out[2] = withSign(shiftedRight<2>(eight), sign);
+        out[3] = withSign(shiftedRight<3>(eight), sign);
     }
 };
 
@@ -145,10 +145,11 @@ struct JarvisLanes : FiveColumns {
         if constexpr (Edge) m = without(m, outside);
         const Vector even = evenBytes(m);
         const Vector odd = oddBytes(m);
-        out[0] = withSign(scaled<7, 48>(even, odd), white);
-        out[1] = withSign(scaled<5, 48>(even, odd), white);
-        out[2] = withSign(shiftedRight<4>(m), white);
-        out[3] = withSign(scaled<1, 48>(even, odd), white);
+        const Vector sign = signOf(white);
+        out[0] = withSign(scaled<7, 48>(even, odd), sign);
+        out[1] = withSign(scaled<5, 48>(even, odd), sign);
+        out[2] = withSign(shiftedRight<4>(m), sign);
+        out[3] = withSign(scaled<1, 48>(even, odd), sign);
     }
 };
 
@@ -165,10 +166,10 @@ class Stream {
         : m_fresh(band.fresh + firstRow),
           m_carried(band.carried),
           m_carriedBelow(band.carriedBelow),
-          m_skewed(band.skewed + firstRow * skewedBytes(band.width, 1)),
+          m_skewed(band.skewed + firstRow * static_cast<std::ptrdiff_t>(band.skewedBytes)),
           m_skewedEnd(m_skewed),
-          m_stagedRowBytes(static_cast<long>(stagedRowBytes(band.width))),
-          m_bits(band.bits + firstRow * m_stagedRowBytes),
+          m_stagedBytes(static_cast<std::ptrdiff_t>(band.stagedBytes)),
+          m_bits(band.bits + firstRow * m_stagedBytes),
           m_width(static_cast<int>(band.width)) {
         unsigned char lags[kLanes];
         for (int lane = 0; lane < kLanes; ++lane) lags[lane] = static_cast<unsigned char>(kLag * rowOf(lane));
@@ -188,12 +189,12 @@ class Stream {
     }
 
     // The same block of two streams that do not wait for each other: while one register waits for its sum the other gets its own.
-    static void blockOfBoth(Stream& one, int stepOfOne, Stream& other, int stepOfOther) {
+    [[gnu::noinline]] static void blockOfBoth(Stream& one, int stepOfOne, Stream& other, int stepOfOther) {
         Vector freshOfOne[kGroup];
         Vector freshOfOther[kGroup];
-        one.loadFresh<false>(stepOfOne, freshOfOne);
+        one.loadFresh(stepOfOne, freshOfOne);
         transpose(freshOfOne);
-        other.loadFresh<false>(stepOfOther, freshOfOther);
+        other.loadFresh(stepOfOther, freshOfOther);
         transpose(freshOfOther);
         for (int i = 0; i < kGroup; i += kTurn) {
             one.turn<false>(stepOfOne + i, freshOfOne + i);
@@ -207,7 +208,7 @@ class Stream {
 
     // The bits were gathered by step. A row's byte begins kLag * row steps later, which is some bytes and some bits: the bits are
     // shifted in each lane, the bytes by where the row is written.
-    void unskew() {
+    [[gnu::noinline]] void unskew() {
         store(zero(), m_skewedEnd);
         const int count = static_cast<int>((m_skewedEnd - m_skewed) / kLanes);
         short factors[kLanes];
@@ -225,8 +226,9 @@ class Stream {
 
   private:
     static constexpr int kAhead = 2 * kReach;  // columns whose shares are not complete
+    static constexpr int kCacheLine = 64;
     static constexpr int kPrefetch = 1024;     // columns: so many rows at once are more than processors watch by themselves
-    static constexpr int kTurn = 4;            // steps of one stream before the other's turn
+    static constexpr int kTurn = 2;            // steps of one stream before the other's turn
     static_assert(kDelay + kGroup + kReach < static_cast<int>(kCarryBefore) && kDelay <= 255);
     static_assert(kDelay + 2 * kGroup + kReach + kLanes < static_cast<int>(kCarryBehind));
 
@@ -240,12 +242,27 @@ class Stream {
         Vector done;           // of the next row, the column that just got its last share
         Vector doneAfter;
         Vector bits;
+
+        // Member by member, from registers to registers: a copy of the whole would go through memory.
+        inline void become(const Pending& other) {
+#pragma GCC unroll 2
+            for (int i = 0; i < kReach; ++i) right[i] = other.right[i];
+#pragma GCC unroll 4
+            for (int i = 0; i < kAhead; ++i) below[i] = other.below[i];
+            done = other.done;
+            bits = other.bits;
+            if constexpr (Kernel::kBelow == 1) return;
+#pragma GCC unroll 4
+            for (int i = 0; i < kAhead; ++i) after[i] = other.after[i];
+            doneAfter = other.doneAfter;
+        }
     };
 
     template <bool Edge>
-    void blockAlone(int step) {
+    [[gnu::noinline]] void blockAlone(int step) {
         Vector fresh[kGroup];
-        loadFresh<Edge>(step, fresh);
+        if constexpr (Edge) loadExisting(step, fresh);
+        else loadFresh(step, fresh);
         transpose(fresh);
         for (int i = 0; i < kGroup; i += kTurn) {
             turn<Edge>(step + i, fresh + i);
@@ -255,13 +272,16 @@ class Stream {
 
     template <bool Edge>
     inline void turn(int step, const Vector* fresh) {
-        Pending p = m_pending;
+        Pending p;
+        p.become(m_pending);
+        unsigned char* const carried = m_carried + step;  // here, since stored bytes might be any member
+        unsigned char* const carriedBelow = m_carriedBelow + step;
 #pragma GCC unroll 4
         for (int i = 0; i < kTurn; ++i) {
-            const Vector white = advance<Edge>(p, exclusive(fresh[i], bytes(0x80)), step + i);
+            const Vector white = advance<Edge>(p, exclusive(fresh[i], bytes(0x80)), carried + i, carriedBelow + i, step + i);
             p.bits = subtract(add(p.bits, p.bits), white);
         }
-        m_pending = p;
+        m_pending.become(p);
     }
 
     inline void putBits() {
@@ -270,23 +290,23 @@ class Stream {
     }
 
     template <bool Edge>
-    inline Vector advance(Pending& p, Vector fresh, int t) {
+    inline Vector advance(Pending& p, Vector fresh, unsigned char* carried, unsigned char* carriedBelow, int t) {
         const Vector white = greater(p.right[0], zero());
         Vector share[Kernel::kWeights];
         Kernel::template shares<Edge>(p.right[0], white, Edge ? outside(t) : white, share);
 
-        const Vector entering = passedDown(p.done, m_carried + t + kReach);
+        const Vector entering = passedDown(p.done, carried + kReach);
         for (int i = 0; i + 1 < kReach; ++i) p.right[i] = addClamped(p.right[i + 1], share[Kernel::kRow[i]]);
         p.right[kReach - 1] = addClamped(entering, share[Kernel::kRow[kReach - 1]]);
 
         Vector enteringBelow = fresh;
         if constexpr (Kernel::kBelow == 2) {
-            enteringBelow = passedDown(p.doneAfter, m_carriedBelow + t + kReach);
+            enteringBelow = passedDown(p.doneAfter, carriedBelow + kReach);
             p.doneAfter = distribute(p.after, fresh, Kernel::kAfter, share);
-            store(p.doneAfter, m_carriedBelow + t - kDelay - kReach);
+            store(p.doneAfter, carriedBelow - kDelay - kReach);
         }
         p.done = distribute(p.below, enteringBelow, Kernel::kNext, share);
-        store(p.done, m_carried + t - kDelay - kReach);
+        store(p.done, carried - kDelay - kReach);
         return white;
     }
 
@@ -307,35 +327,39 @@ class Stream {
     }
     static inline int limited(int value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
 
-    template <bool Edge>
+    // A block of each row, of those in a register's upper half as well, where it has one. Each begins kLag columns left of the one above.
     inline void loadFresh(int step, Vector (&fresh)[kGroup]) const {
 #pragma GCC unroll 16
         for (int i = 0; i < kGroup; ++i) {
-            const int row = rowOf(i);
-            const int farRow = row % kGroup;  // of the upper half, where there is one
-            const int column = step + kReach - kLag * row;
-            const int farColumn = step + kReach - kLag * farRow;
-            if constexpr (Edge) {
-                unsigned char near[kGroup];
-                unsigned char far[kGroup];
-                clip(m_fresh[row], column, near);
-                clip(m_fresh[farRow], farColumn, far);
-                fresh[i] = loadHalves(near, far);
-            } else {
-                fresh[i] = loadHalves(m_fresh[row] + column, m_fresh[farRow] + farColumn);
-                __builtin_prefetch(m_fresh[row] + column + kPrefetch);
-                if constexpr (kLanes > kGroup) __builtin_prefetch(m_fresh[farRow] + farColumn + kPrefetch);
-            }
+            const unsigned char* const near = m_fresh[rowOf(i)] + columnOf(rowOf(i), step);
+            const unsigned char* const far = m_fresh[upperRowOf(i)] + columnOf(upperRowOf(i), step);
+            fresh[i] = loadHalves(near, far);
+            if (step % kCacheLine != 0) continue;
+            __builtin_prefetch(near + kPrefetch);
+            if constexpr (kLanes > kGroup) __builtin_prefetch(far + kPrefetch);
         }
     }
-
-    // 16 columns of a row, of which some do not exist.
-    inline void clip(const unsigned char* row, int column, unsigned char (&out)[kGroup]) const {
-        for (int i = 0; i < kGroup; ++i) out[i] = column + i >= 0 && column + i < m_width ? row[column + i] : 0;
+    // The same where not all columns exist.
+    void loadExisting(int step, Vector (&fresh)[kGroup]) const {
+#pragma GCC unroll 1
+        for (int i = 0; i < kGroup; ++i) {
+            unsigned char near[kGroup] = {};
+            unsigned char far[kGroup] = {};
+            fresh[i] = loadHalves(existing(rowOf(i), step, near), existing(upperRowOf(i), step, far));
+        }
     }
+    [[gnu::noinline]] const unsigned char* existing(int row, int step, unsigned char (&room)[kGroup]) const {
+        const int column = columnOf(row, step);
+        if (column >= 0 && column + kGroup <= m_width) return m_fresh[row] + column;
+        const int end = column + kGroup <= m_width ? kGroup : m_width - column;
+        for (int i = column < 0 ? -column : 0; i < end; ++i) room[i] = m_fresh[row][column + i];
+        return room;
+    }
+    static constexpr int columnOf(int row, int step) { return step + kReach - kLag * row; }
+    static constexpr int upperRowOf(int lane) { return rowOf(lane) % kGroup; }
 
     [[nodiscard]] unsigned char* staged(int row, int column) const {
-        return m_bits + row * m_stagedRowBytes + static_cast<long>(kStagedBefore) + column - kGroup / 8 - kLag * row / 8;
+        return m_bits + row * m_stagedBytes + static_cast<std::ptrdiff_t>(kStagedBefore) + column - kGroup / 8 - kLag * row / 8;
     }
 
     const unsigned char* const* m_fresh;
@@ -343,7 +367,7 @@ class Stream {
     unsigned char* m_carriedBelow;
     unsigned char* m_skewed;
     unsigned char* m_skewedEnd;
-    long m_stagedRowBytes;
+    std::ptrdiff_t m_stagedBytes;
     unsigned char* m_bits;
     int m_width;
     Vector m_lags;
