@@ -66,6 +66,18 @@ struct PreviewOptions {
     int scale = 0;  // job pixels per picture pixel; 0: as small as fits 2000 pixels
 };
 
+struct TraceOptions {
+    PrintOptions print;
+    std::string record;  // file for the recording; empty: the calls are printed
+};
+
+struct ReplayOptions {
+    std::string file;
+    std::string home;
+    std::string spool;
+    std::string application = "morvil.exe";
+};
+
 struct EscapeOptions {
     std::uint32_t code = 0;
     std::string text;
@@ -78,6 +90,8 @@ int runConfig(const ConfigOptions& options, const Streams& streams);
 int runCheck(const CheckOptions& options, const Streams& streams);
 int runShow(const ShowOptions& options, const Streams& streams);
 int runPreview(const PreviewOptions& options, const Streams& streams);
+int runTrace(const TraceOptions& options, engine::EnableDriverFunction driver, const Streams& streams);
+int runReplay(const ReplayOptions& options, engine::EnableDriverFunction driver, const Streams& streams);
 int runEscape(const EscapeOptions& options, engine::EnableDriverFunction driver, const Streams& streams);
 
 // Parses the arguments (without the program's name) and runs the subcommand.

@@ -16,10 +16,11 @@ struct Options {
     ShowOptions show;
     PreviewOptions preview;
     EscapeOptions escape;
+    TraceOptions trace;
+    ReplayOptions replay;
 };
 
-CLI::App* addPrint(CLI::App& app, PrintOptions& o) {
-    CLI::App* const c = app.add_subcommand("print", "Print metafiles to job files, one a page");
+void addPrintOptions(CLI::App* c, PrintOptions& o) {
     c->add_option("FILE", o.files, "enhanced metafiles (.emf); several are the pages of one document")->required();
     c->add_option("--spool", o.spool, "folder for the job files (default: the configured one)")->type_name("DIR");
     c->add_option("--home", o.home, "data root in place of $MORVIL_HOME")->type_name("DIR");
@@ -32,8 +33,31 @@ CLI::App* addPrint(CLI::App& app, PrintOptions& o) {
     c->add_flag("--halftone", o.halftone, "reduce the page to black and white by the configured halftoning; for process modes with a black and white raster");
     c->add_flag("--json", o.json, "result as JSON on standard output");
     c->add_flag("--quiet", o.quiet, "no summary and no progress");
+}
+
+CLI::App* addPrint(CLI::App& app, PrintOptions& o) {
+    CLI::App* const c = app.add_subcommand("print", "Print metafiles to job files, one a page");
+    addPrintOptions(c, o);
     c->footer("Standard output: the path of each job file, one a line. Standard error: a summary.\n"
               "Exit status: 0 done, 2 usage or bad input, 3 the system failed (disk, permission).");
+    return c;
+}
+
+CLI::App* addTrace(CLI::App& app, TraceOptions& o) {
+    CLI::App* const c = app.add_subcommand("trace", "Print metafiles and show the calls between engine and driver");
+    addPrintOptions(c, o.print);
+    c->add_option("--record", o.record, "keep the calls in this file, with the page's bits, instead of showing them")->type_name("OUT");
+    c->footer("Standard output: a line for each call, or with --record the path of each job file. Options and exit status as with print.");
+    return c;
+}
+
+CLI::App* addReplay(CLI::App& app, ReplayOptions& o) {
+    CLI::App* const c = app.add_subcommand("replay", "Make the calls of a recording to the driver again");
+    c->add_option("FILE", o.file, "recording that trace --record has made")->required();
+    c->add_option("--home", o.home, "data root in place of $MORVIL_HOME; the recorded settings are written there")->type_name("DIR")->required();
+    c->add_option("--spool", o.spool, "folder for the job files (default: the configured one)")->type_name("DIR");
+    c->add_option("--app", o.application, "executable that prints")->type_name("NAME.exe")->capture_default_str();
+    c->footer("Standard output: the path of each job file.\nExit status: 0 every call answered as recorded, 1 one did not, 2 usage or bad input, 3 the system failed.");
     return c;
 }
 
@@ -108,6 +132,8 @@ int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunct
     const CLI::App* const config = addConfig(app, options.config);
     const CLI::App* const check = addCheck(app, options.check);
     const CLI::App* const show = addShow(app, options.show);
+    const CLI::App* const trace = addTrace(app, options.trace);
+    const CLI::App* const replay = addReplay(app, options.replay);
     const CLI::App* const escape = addEscape(app, options.escape);
     addPreview(app, options.preview);
     try {
@@ -120,6 +146,8 @@ int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunct
         if (print->parsed()) return runPrint(options.print, driver, streams);
         if (config->parsed()) return runConfig(options.config, streams);
         if (check->parsed()) return runCheck(options.check, streams);
+        if (trace->parsed()) return runTrace(options.trace, driver, streams);
+        if (replay->parsed()) return runReplay(options.replay, driver, streams);
         if (escape->parsed()) return runEscape(options.escape, driver, streams);
         if (show->parsed()) return runShow(options.show, streams);
         return runPreview(options.preview, streams);

@@ -1,0 +1,116 @@
+// trace_command.cpp - prints metafiles and shows, or keeps, the calls between engine and driver; and plays kept calls again.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+
+#include "engine/EngineState.h"
+#include "platform/host/HostState.h"
+#include "tool/Commands.h"
+#include "tool/Host.h"
+#include "tool/ReplayObjects.h"
+#include "trace/Recorder.h"
+#include "trace/RecordingFile.h"
+#include "trace/TextTrace.h"
+
+namespace morvil::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kLargestKeptFile = 64U << 20U;
+constexpr const char* kDataRoot = "ProgramData/Morvil";
+
+trace::Bytes read(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+bool write(const fs::path& file, const trace::Bytes& bytes) {
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    stream.close();
+    if (stream) return true;
+    std::error_code ignored;
+    fs::remove(file, ignored);
+    return false;
+}
+
+bool isOfTheDocument(const fs::path& file) { return file.extension() == ".tsf" || file.extension() == ".tsa" || file.filename().string().starts_with("log_"); }
+
+// What the driver finds in its data root before the document: settings and colour lists, not earlier jobs and logs.
+std::vector<trace::KeptFile> dataRootFiles() {
+    const fs::path home = hostState().home;
+    std::vector<trace::KeptFile> files;
+    std::error_code error;
+    for (fs::recursive_directory_iterator at(home / kDataRoot, error), end; !error && at != end; at.increment(error)) {
+        if (!at->is_regular_file() || isOfTheDocument(at->path()) || at->file_size() > kLargestKeptFile) continue;
+        std::string path = fs::relative(at->path(), home).string();
+        std::replace(path.begin(), path.end(), '/', '\\');
+        files.push_back({fromUtf8(path), read(at->path())});
+    }
+    std::sort(files.begin(), files.end(), [](const trace::KeptFile& a, const trace::KeptFile& b) { return a.path < b.path; });
+    return files;
+}
+
+bool restore(const trace::KeptFile& kept) {
+    std::string path = toUtf8(kept.path);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    const fs::path relative = fs::path(path).lexically_normal();
+    if (relative.is_absolute() || relative.string().starts_with("..")) return false;
+    std::error_code error;
+    fs::create_directories((hostState().home / relative).parent_path(), error);
+    return write(hostState().home / relative, kept.content);
+}
+
+int fail(const Streams& streams, const char* command, const std::string& text, int status) {
+    streams.err << "morvil " << command << ": " << text << "\n";
+    return status;
+}
+
+}  // namespace
+
+int runTrace(const TraceOptions& options, engine::EnableDriverFunction driver, const Streams& streams) {
+    trace::Recording recording;
+    const bool keeps = !options.record.empty();
+    const trace::Recorder recorder(
+        driver,
+        [&] {
+            recording.printer = kPrinterName;
+            recording.largestSurface = engine::engineState().maximumSurfaceBytes;
+            if (keeps) recording.files = dataRootFiles();
+        },
+        [&](const trace::Event& event) {
+            if (keeps) recording.events.push_back(event);
+            else streams.out << trace::toText(event) << "\n";
+        });
+    std::ostream nowhere(nullptr);
+    const int status = runPrint(options.print, trace::Recorder::driver(), {keeps ? streams.out : nowhere, streams.err, streams.errIsTerminal});
+    if (status == kUsage || !keeps) return status;
+    if (write(options.record, trace::toBytes(recording))) return status;
+    return fail(streams, "trace", options.record + ": cannot be written", kSystemFailed);
+}
+
+int runReplay(const ReplayOptions& options, engine::EnableDriverFunction driver, const Streams& streams) {
+    std::error_code error;
+    if (!fs::is_regular_file(options.file, error)) return fail(streams, "replay", options.file + ": no such file", kUsage);
+    std::string reason;
+    const auto recording = trace::fromBytes(read(options.file), reason);
+    if (!recording) return fail(streams, "replay", options.file + ": " + reason, kUsage);
+    useHome(options.home);
+    useApplication(options.application);
+    for (const trace::KeptFile& kept : recording->files) {
+        if (!restore(kept)) return fail(streams, "replay", toUtf8(kept.path) + " cannot be written", kSystemFailed);
+    }
+    if (!options.spool.empty()) useSpoolFolder(options.spool);
+    engine::engineState().maximumSurfaceBytes = recording->largestSurface;
+    const FinishedJobs finished;
+    ReplayObjects objects;
+    const trace::ReplayReport report = trace::replay(*recording, driver, objects);
+    for (const std::string& job : finished.files()) streams.out << job << "\n";
+    if (!report.done) return fail(streams, "replay", report.reason, kWrong);
+    return kDone;
+}
+
+}  // namespace morvil::tool
