@@ -85,6 +85,7 @@ struct CXml::Members {
     ParsedDocumentCache* cache = nullptr;         // where `document` may be shared with
     std::shared_ptr<const XmlDocument> document;  // null: the file could not be read
     std::shared_ptr<XmlDocument> own;             // the same document, when this object may change it
+    std::vector<std::uint8_t> bytes;              // of the file, as read last
     const XmlNode* cursor = nullptr;
     DWORD steps = 0;       // elements that the walk has shown
     int openChanges = 0;   // nested pairs of beginChanges and endChanges
@@ -107,13 +108,14 @@ struct CXml::Members {
         return own.get();
     }
 
-    // Reads the file. REQUIRES: the mutex is held.
+    // Reads the file. The old document is given back behind the new one: given back first, its memory would go to the system
+    // and come back page by page, which takes longer than parsing. REQUIRES: the mutex is held.
     bool read() {
+        const std::shared_ptr<const XmlDocument> old = document;
         take(nullptr);
         if (cache != nullptr) {
             document = cache->load();
-        } else if (std::vector<std::uint8_t> bytes;
-                   path.size() <= kMostPathCharacters && readFileBytes(path.c_str(), kLargestConfigurationFile, bytes)) {
+        } else if (path.size() <= kMostPathCharacters && readFileBytes(path.c_str(), kLargestConfigurationFile, bytes)) {
             take(parseFileBytes(bytes));
         }
         if (document == nullptr) return false;
