@@ -14,8 +14,8 @@ struct CPrinterConfig::Members {
     CMvConfig folders;
     std::unique_ptr<CXml> store;
     WString root = keys::kActiveRoot;
-    CSizeTemplate* templates = nullptr;          // the process's reader, or
-    std::unique_ptr<CSizeTemplate> ownTemplates; // one that lives as long as this object
+    CSizeTemplate* templates = nullptr;           // the process's reader, or
+    std::unique_ptr<CSizeTemplate> ownTemplates;  // one that lives as long as this object
 
     CSizeTemplate& sizeTemplates();
     // The index of the template that bears the name, else of the one that has the size; 0 when there is none.

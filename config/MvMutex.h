@@ -28,7 +28,7 @@ class MvMutex {
 
     HANDLE m_handle = nullptr;
     int m_timeout = 10000;  // milliseconds
-    DWORD m_processId;  // of the creator, for the texts
+    DWORD m_processId;      // of the creator, for the texts
     DWORD m_threadId;
 };
 

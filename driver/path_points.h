@@ -75,8 +75,8 @@ class FigureCollector {
     std::uint32_t m_count = 0;
 };
 
-// Calls visit(points in the arrays, possibly none) for each figure, numbered by the records that begin one. A closed figure ends in its first
-// point. REQUIRES: room for summarise(path).points.
+// Calls visit(points in the arrays, possibly none) for each figure, numbered by the records that begin one. A closed figure ends in its
+// first point. REQUIRES: room for summarise(path).points.
 template <typename Visit>
 void forEachFigure(PATHOBJ& path, PointArrays& arrays, PixelOffset offset, Visit&& visit) {
     FigureCollector figure(arrays.xs.span(), arrays.ys.span(), offset);

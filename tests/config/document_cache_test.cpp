@@ -60,12 +60,12 @@ TEST_F(DocumentCache, the_same_bytes_are_parsed_once_and_read_every_time) {
     }
     EXPECT_GT(reads, 0);
     EXPECT_EQ(m_cache.generation(), generation);
-    EXPECT_THAT(texts(),
-                testing::ElementsAre("CXml::CXml 1\n", "MvMutex::MvMutex use existing mutex (H), processID=N, threadID=N, msTimeOut=10000\n",
-                                     "CXml::reload", "MvMutex::wait got mutex (H), processID=N, threadID=N, msTimeOut=10000\n",
-                                     " CXml::reload, got Mutex\n", "MvMutex::release 1 mutex (H), processID=N, threadID=N\n",
-                                     "MvMutex::release 2 mutex (H), processID=N, threadID=N\n", "CXml::reload finished\n", "CXml::~CXml\n",
-                                     "MvMutex::~MvMutex close mutex, processID=N, threadID=N\n"));
+    EXPECT_THAT(texts(), testing::ElementsAre("CXml::CXml 1\n",
+                                              "MvMutex::MvMutex use existing mutex (H), processID=N, threadID=N, msTimeOut=10000\n",
+                                              "CXml::reload", "MvMutex::wait got mutex (H), processID=N, threadID=N, msTimeOut=10000\n",
+                                              " CXml::reload, got Mutex\n", "MvMutex::release 1 mutex (H), processID=N, threadID=N\n",
+                                              "MvMutex::release 2 mutex (H), processID=N, threadID=N\n", "CXml::reload finished\n",
+                                              "CXml::~CXml\n", "MvMutex::~MvMutex close mutex, processID=N, threadID=N\n"));
 }
 
 // Same length, one character other: neither size nor time tells.

@@ -1,8 +1,8 @@
 #include "config/CMvConfig.h"
 #include "driver/DriverFixture.h"
-#include "support/VersionedProgram.h"
 #include "driver/job_writer.h"
 #include "platform/posix/HostState.h"
+#include "support/VersionedProgram.h"
 
 namespace morvil::test {
 namespace {

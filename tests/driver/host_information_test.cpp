@@ -75,9 +75,9 @@ TEST_F(HostInformation, a_printer_that_tells_its_size_alone_is_logged_empty) {
     };
     dumpPrinterInformation(printer);
     platformCalls() = systemCalls();
-    EXPECT_THAT(morvilLog(), ElementsAre("Server=(null), PrinterName=(null), ShareName=(null), PortName=(null)",
-                                         "Driver=(null), SeperatorFile=(null), PrintProcessor=(null), DataType=(null)",
-                                         "Attributes=0, Jobs=0"));
+    EXPECT_THAT(morvilLog(),
+                ElementsAre("Server=(null), PrinterName=(null), ShareName=(null), PortName=(null)",
+                            "Driver=(null), SeperatorFile=(null), PrintProcessor=(null), DataType=(null)", "Attributes=0, Jobs=0"));
 }
 
 TEST_F(HostInformation, a_printer_without_spooling_is_marked) {

@@ -168,9 +168,9 @@ TEST_F(Page, test_bands_without_a_writer_leave_their_lines) {
     state().configuration = pdev->configuration();
     clearLogs();
     EXPECT_EQ(DrvSendPage(pso), TRUE);
-    EXPECT_THAT(morvilLog(), IsSupersetOf({std::string("WriteBitmapPart, uiBandPosition=0, pDst->sizlBitmap.cy=80, jobHeight=80, delta=300"),
-                                           std::string("usHeight=80, uiBandPosition=0, Delta=300"),
-                                           std::string("DrvSendPage WriteBitmap Success")}));
+    EXPECT_THAT(morvilLog(),
+                IsSupersetOf({std::string("WriteBitmapPart, uiBandPosition=0, pDst->sizlBitmap.cy=80, jobHeight=80, delta=300"),
+                              std::string("usHeight=80, uiBandPosition=0, Delta=300"), std::string("DrvSendPage WriteBitmap Success")}));
     EXPECT_THAT(jobFileNames(), IsEmpty());
 }
 

@@ -67,7 +67,8 @@ class TwoProcesses : public PrintFixture {
         int failures = 0;
         for (int i = 0; i < load.items; ++i) {
             if (i == 1) link.ready();
-            if (!CXml().putItem(itemOf(process).c_str(), fromUtf8(std::to_string(i)).c_str()) && ++failures > load.failuresAllowed) return kNotStored;
+            if (!CXml().putItem(itemOf(process).c_str(), fromUtf8(std::to_string(i)).c_str()) && ++failures > load.failuresAllowed)
+                return kNotStored;
             if ((i + 1) * load.jobs / load.items == i * load.jobs / load.items) continue;
             const Outcome printed = print({"--title", "Plan", sample(kDrawings[process])});
             if (printed.status != kDone || printed.lines().size() != 1) return kNotPrinted;
