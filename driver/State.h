@@ -25,7 +25,7 @@ struct State {
     std::array<WCHAR, kProcessNameCharacters> processName{};  // executable of the process that the driver runs in
     std::unique_ptr<CSpoolFile> spoolFile;                    // the job writer: from the first use to DrvEndDoc or DrvDisablePDEV
     std::unique_ptr<cColorTable> colourTable;
-    std::unique_ptr<CxImage> halftoneImage;  // from the first halftoned page on; holds the one-bit rows of the latest
+    std::unique_ptr<CxImage> halftoneImage;  // works on each page from the first halftoned one on
     std::unique_ptr<CMvPath> path;  // recorder of paths with very many curves
     std::unique_ptr<CSizeTemplate> sizeTemplates;
     std::uint32_t uiBandPosition = 0;                    // first pixel row of the current band within the page

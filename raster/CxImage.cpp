@@ -50,38 +50,43 @@ void CxImage::describe(std::uint32_t width, std::uint32_t height, unsigned bitsP
 }
 
 // The headers of such files hold 32 bits: larger images have no room, whatever memory there is.
-bool CxImage::allocate() {
+bool CxImage::allocate(bool withRows) {
     const std::uint64_t pixelBytes = std::uint64_t{m_effWidth} * GetHeight();
     if (pixelBytes > std::numeric_limits<std::uint32_t>::max() - pixelOffset()) return false;
-    m_block = LocalBlock<std::uint8_t>(static_cast<std::size_t>(pixelOffset() + pixelBytes));
+    m_block = LocalBlock<std::uint8_t>(static_cast<std::size_t>(pixelOffset() + (withRows ? pixelBytes : 0)));
     if (!m_block) return false;
     std::memcpy(m_block.get(), &m_header, sizeof m_header);
     return true;
 }
 
 std::uint8_t* CxImage::Create(std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel, unsigned type) {
+    return create(width, height, bitsPerPixel, type, true) ? pixels() : nullptr;
+}
+
+bool CxImage::create(std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel, unsigned type, bool withRows) {
     Destroy();
     if (width == 0 || height == 0) {
         m_lastError = TEXT("CxImage::Create : width and height must be greater than zero");
-        return nullptr;
+        return false;
     }
     // Computed in 32 bits, where it wraps around: what remains after the shift never exceeds the limit, so that large pages pass.
     if ((width * height * normalised(bitsPerPixel)) >> 8 > kMaxMemory) {
         m_lastError = TEXT("CXIMAGE_MAX_MEMORY exceeded");
-        return nullptr;
+        return false;
     }
     describe(width, height, bitsPerPixel);
-    if (!allocate()) {
+    if (!allocate(withRows)) {
         Destroy();
         m_lastError = TEXT("CxImage::Create can't allocate memory");
-        return nullptr;
+        return false;
     }
     m_type = type;
-    return pixels();
+    return true;
 }
 
 void CxImage::Destroy() {
     m_block.reset();
+    m_rows = nullptr;
     m_reserved.reset();
     m_attached = {};
     m_header = {};
@@ -106,14 +111,16 @@ bool CxImage::CreateFromArray(const std::uint8_t* array, std::uint32_t width, st
 
 // One-bit images are their own result, and rows that lack pixels need a row to be zero in: both are copied.
 bool CxImage::AttachArray(const std::uint8_t* array, std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel,
-                          std::uint32_t scanLine) {
+                          std::uint32_t scanLine, std::uint8_t* rowsOut) {
     if (bitsPerPixel == 1 || scanLine < pixelBytesOf(width, bitsPerPixel)) {
         return CreateFromArray(array, width, height, bitsPerPixel, scanLine, false);
     }
-    if (array == nullptr || !isSupported(bitsPerPixel) || Create(width, height, 1) == nullptr) return false;
+    // Written over the array, rows of the result must stay behind the rows still to be read.
+    if (scanLine < rowBytesOf(width, 1)) rowsOut = nullptr;
+    if (array == nullptr || !isSupported(bitsPerPixel) || !create(width, height, 1, 0, rowsOut == nullptr)) return false;
     m_reserved = std::move(m_block);
     describe(width, height, bitsPerPixel);
-    m_attached = {array, bitsPerPixel, scanLine};
+    m_attached = {array, bitsPerPixel, scanLine, rowsOut};
     return true;
 }
 

@@ -30,8 +30,11 @@ class CxImage {
                          std::uint32_t scanLine, bool flip);
     // The same image without its copy: a page of a square metre has no room beside it. What it will be reduced to is reserved at once.
     // The pixels stay the caller's and must last until DitherOrdered, Dither or the next creation; until then the image has a header
-    // and a palette but offers no pixels.
-    bool AttachArray(const std::uint8_t* pixels, std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel, std::uint32_t scanLine);
+    // and a palette but offers no pixels. The rows of the result go to `rowsOut` where that is given and the array's rows are not
+    // shorter than those of the result; it may be the array itself. They then belong to the caller, who outlives them or destroys the
+    // image. GetBits() tells where they are.
+    bool AttachArray(const std::uint8_t* pixels, std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel, std::uint32_t scanLine,
+                     std::uint8_t* rowsOut = nullptr);
     void Destroy();
 
     // ---- pixels (CxImagePixels.cpp) ----
@@ -68,9 +71,9 @@ class CxImage {
     [[nodiscard]] int GetProgress() const { return m_run.progress; }
     void SetEscape(bool stop) { m_run.escape = stop; }
     [[nodiscard]] std::span<const RGBQUAD> GetPalette() const;
-    // The pixel rows; header, palette and rows. Empty without pixels.
+    // Header and palette, and the pixel rows. Empty without pixels.
+    [[nodiscard]] std::span<const std::uint8_t> GetDIB() const;
     [[nodiscard]] std::span<const std::uint8_t> GetBits() const;
-    [[nodiscard]] std::span<const std::uint8_t> GetDIB() const { return m_block.span(); }
     [[nodiscard]] const std::uint8_t* GetRow(std::uint32_t y) const { return pixels() + y * m_effWidth; }
 
   private:
@@ -78,15 +81,17 @@ class CxImage {
         const std::uint8_t* pixels = nullptr;
         unsigned bitsPerPixel = 0;
         std::uint32_t scanLine = 0;
+        std::uint8_t* rowsOut = nullptr;
     };
 
     [[nodiscard]] std::size_t pixelOffset() const { return sizeof(BITMAPINFOHEADER) + m_colours * sizeof(RGBQUAD); }
-    [[nodiscard]] std::uint8_t* pixels() const { return m_block.get() + pixelOffset(); }
+    [[nodiscard]] std::uint8_t* pixels() const { return m_rows != nullptr ? m_rows : m_block.get() + pixelOffset(); }
     [[nodiscard]] std::uint8_t* row(std::uint32_t y) const { return pixels() + y * m_effWidth; }
     [[nodiscard]] RGBQUAD* palette() const { return reinterpret_cast<RGBQUAD*>(m_block.get() + sizeof(BITMAPINFOHEADER)); }
     [[nodiscard]] bool isInside(std::uint32_t x, std::uint32_t y) const { return m_block && x < GetWidth() && y < GetHeight(); }
+    bool create(std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel, unsigned type, bool withRows);
     void describe(std::uint32_t width, std::uint32_t height, unsigned bitsPerPixel);
-    bool allocate();
+    bool allocate(bool withRows);
     [[nodiscard]] bool hasSource() const { return m_block || m_attached.pixels != nullptr; }
     [[nodiscard]] PixelRows source() const;
     bool reserveResult(CxImage& result);
@@ -97,7 +102,8 @@ class CxImage {
     BITMAPINFOHEADER m_header{};
     std::size_t m_colours = 0;
     std::size_t m_effWidth = 0;
-    LocalBlock<std::uint8_t> m_block;  // header, palette, rows
+    LocalBlock<std::uint8_t> m_block;  // header, palette, and rows unless they are lent
+    std::uint8_t* m_rows = nullptr;    // lent rows
     Attached m_attached;
     LocalBlock<std::uint8_t> m_reserved;  // the block of the result while an array is attached
     LONG m_background = -1;

@@ -14,16 +14,15 @@ void put32(std::uint8_t* out, DWORD value) {
 
 }  // namespace
 
-// Header, palette and rows of an image are one block already.
 bool CxImageBMP::Encode(CxFile& file) const {
-    const std::span<const std::uint8_t> block = m_image.GetDIB();
-    if (block.empty()) return false;
-    const auto blockBytes = static_cast<DWORD>(block.size());
-    const auto pixelBytes = static_cast<DWORD>(m_image.GetBits().size());
+    const std::span<const std::uint8_t> information = m_image.GetDIB();
+    const std::span<const std::uint8_t> rows = m_image.GetBits();
+    if (information.empty()) return false;
+    const auto rowsAt = static_cast<DWORD>(kFileHeaderBytes + information.size());
     std::array<std::uint8_t, kFileHeaderBytes> header{'B', 'M'};
-    put32(header.data() + 2, kFileHeaderBytes + blockBytes);
-    put32(header.data() + 10, kFileHeaderBytes + blockBytes - pixelBytes);
-    return file.Write(header) && file.Write(block);
+    put32(header.data() + 2, rowsAt + static_cast<DWORD>(rows.size()));
+    put32(header.data() + 10, rowsAt);
+    return file.Write(header) && file.Write(information) && file.Write(rows);
 }
 
 bool CxImageBMP::Save(const WCHAR* path) const {

@@ -66,6 +66,7 @@ bool CxImage::reserveResult(CxImage& result) {
     if (m_reserved) {
         result.describe(GetWidth(), GetHeight(), 1);
         result.m_block = std::move(m_reserved);
+        result.m_rows = m_attached.rowsOut;
     } else if (result.Create(GetWidth(), GetHeight(), 1) == nullptr) {
         m_lastError = result.m_lastError;
         return false;
@@ -80,6 +81,7 @@ void CxImage::takeOver(CxImage& other) {
     m_colours = other.m_colours;
     m_effWidth = other.m_effWidth;
     m_block = std::move(other.m_block);
+    m_rows = other.m_rows;
     m_background = other.m_background;
     m_type = other.m_type;
     m_attached = {};

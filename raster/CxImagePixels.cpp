@@ -11,7 +11,15 @@ std::span<const RGBQUAD> CxImage::GetPalette() const {
     return {palette(), m_colours};
 }
 
-std::span<const std::uint8_t> CxImage::GetBits() const { return m_block ? m_block.span().subspan(pixelOffset()) : m_block.span(); }
+std::span<const std::uint8_t> CxImage::GetDIB() const {
+    if (!m_block) return {};
+    return m_block.span().first(pixelOffset());
+}
+
+std::span<const std::uint8_t> CxImage::GetBits() const {
+    if (!m_block) return {};
+    return {pixels(), m_effWidth * GetHeight()};
+}
 
 std::uint8_t CxImage::GetPixelIndex(std::uint32_t x, std::uint32_t y) const {
     if (!m_block) return 0;

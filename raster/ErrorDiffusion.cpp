@@ -58,6 +58,7 @@ class Diffuser {
     void fetch(std::uint32_t y, std::uint8_t* row) { std::copy_n(m_grey.take(y, 1).pixels, m_grey.width(), row); }
 
     void diffuseRow(std::uint8_t* bits) {
+        std::fill_n(bits, m_out.rowBytes, std::uint8_t{0});
         for (std::uint32_t x = 0; x < m_grey.width(); ++x) {
             const std::uint8_t value = m_rows[0][x];
             if (value > kLastBlack) bits[x / 8] = static_cast<std::uint8_t>(bits[x / 8] | 0x80U >> (x % 8));

@@ -71,12 +71,12 @@ class Wavefront {
         for (std::uint32_t i = 0; i < m_wide.lanes; ++i) m_fresh[i] = i < rows ? band.pixels + i * band.rowBytes : m_noRow;
     }
 
-    // What stands behind the last pixel stays zero.
     void copyOut(std::uint32_t lane, std::uint8_t* out) const {
         const std::uint8_t* const bits = m_band.bits + lane * m_band.stagedBytes + kStagedBefore;
         const std::size_t whole = m_grey.width() / 8;
         const unsigned rest = m_grey.width() % 8;
         std::memcpy(out, bits, whole);
+        std::fill_n(out + whole, m_out.rowBytes - whole, std::uint8_t{0});
         if (rest != 0) out[whole] = static_cast<std::uint8_t>(bits[whole] & ~(0xFFU >> rest));
     }
 

@@ -45,17 +45,19 @@ int Dither(CxImage& image, const std::uint8_t* source, std::uint8_t* destination
     const auto height = static_cast<std::uint32_t>(header->biHeight);
     const DWORD scanLine = height == 0 ? 0 : header->biSizeImage / height;
     logSource(source, destination, *header, scanLine, ordered);
-    if (!image.AttachArray(source, width, height, header->biBitCount, scanLine)) return 1;
+    if (!image.AttachArray(source, width, height, header->biBitCount, scanLine, destination)) return 1;
 
     debugPrint(TEXT("DitherOrdered, PatternSize=%d\n"), parameters->patternSize);
     const bool done = ordered ? image.DitherOrdered(parameters->patternSize) : image.Dither(kMethods[algorithm - kFirstDiffusion]);
     if (!done) return 1;
 
     const std::span<const std::uint8_t> rows = image.GetBits();
-    std::copy(rows.begin(), rows.end(), destination);
+    const bool inPlace = rows.data() == destination;
+    if (!inPlace) std::copy(rows.begin(), rows.end(), destination);
     *sizeOut = static_cast<std::uint32_t>(rows.size());
     debugPrint(TEXT("Dither, Save buffer size=%d\n"), *sizeOut);
     if (dump >= 1) dumpResult(image);
+    if (inPlace) image.Destroy();  // the rows are the surface's, and go with it
     debugPrint(TEXT("Dither, finished\n"));
     return 1;
 }

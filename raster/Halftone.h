@@ -10,7 +10,8 @@
 namespace morvil {
 
 // Halftones the page at `source` by the parameters' algorithm and writes its one-bit rows, and nothing else, to `destination`, which
-// may be the same buffer; `sizeOut` then holds their bytes. `image` is kept between pages and holds the one-bit page afterwards.
+// may be the same buffer; `sizeOut` then holds their bytes. `image` is kept between pages. A source of more than one bit must not
+// overlap the destination unless both are the same.
 // `header` describes the source; its rows are image size / height bytes long. With `dump` of 1 or more the result also goes to the
 // first unused name of C:\result_0.bmp, C:\result_1.bmp, ...
 // 0: an argument is missing. 1: done, or left alone: algorithms from 7 on, and pages that cannot be halftoned, leave destination and

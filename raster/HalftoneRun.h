@@ -7,7 +7,8 @@
 
 namespace morvil {
 
-// One-bit rows, all zero before; a set bit is white. The most significant bit of a byte is its leftmost pixel.
+// One-bit rows; a set bit is white, behind the last pixel there are zeros. They may lie over the image that they are made from, at its
+// beginning, and then each is written only after the rows of the image that it covers were read. The most significant bit of a byte is its leftmost pixel.
 struct BitRows {
     std::uint8_t* rows;
     std::size_t rowBytes;

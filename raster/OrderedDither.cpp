@@ -11,9 +11,14 @@ namespace {
 constexpr std::uint32_t kRowsAtOnce = 16;  // of those that must be converted
 
 void ditherRow(const std::uint8_t* grey, std::uint32_t width, const std::uint8_t* thresholds, std::uint8_t* bits) {
+    unsigned byte = 0;
     for (std::uint32_t x = 0; x < width; ++x) {
-        if (grey[x] >= thresholds[x % Thresholds::kColumns]) bits[x / 8] = static_cast<std::uint8_t>(bits[x / 8] | 0x80U >> (x % 8));
+        byte |= (grey[x] >= thresholds[x % Thresholds::kColumns] ? 0x80U : 0U) >> (x % 8);
+        if (x % 8 != 7 && x + 1 != width) continue;
+        bits[x / 8] = static_cast<std::uint8_t>(byte);
+        byte = 0;
     }
+    for (std::uint32_t behind = (width + 7) / 8; behind % 4 != 0; ++behind) bits[behind] = 0;
 }
 
 }  // namespace

@@ -88,7 +88,8 @@ TEST(CxImageCreation, depths_are_rounded_up) {
         EXPECT_EQ(image.GetHeader().biPlanes, 1);
         EXPECT_EQ(image.GetHeader().biCompression, 0U);
         EXPECT_EQ(image.GetHeader().biSizeImage, tested.rowBytes * 5);
-        EXPECT_EQ(image.GetDIB().size(), 40 + tested.colours * 4 + tested.rowBytes * 5);
+        EXPECT_EQ(image.GetDIB().size(), 40 + tested.colours * 4);
+        EXPECT_EQ(image.GetBits().size(), tested.rowBytes * 5);
         EXPECT_EQ(image.GetType(), 6U);
         EXPECT_EQ(image.GetTransIndex(), -1);
         for (const RGBQUAD& entry : image.GetPalette()) EXPECT_TRUE(same(entry, 0, 0, 0));
@@ -148,11 +149,13 @@ TEST(CxImageCreation, from_an_array_drops_every_fourth_byte) {
 TEST(CxImageCreation, an_attached_array_is_reduced_like_a_copied_one_when_its_rows_are_short) {
     const Bytes pixels{200, 255, 30, 255};
     CxImage image;
-    ASSERT_TRUE(image.AttachArray(pixels.data(), 3, 2, 8, 2));
+    Bytes out(8, 77);
+    ASSERT_TRUE(image.AttachArray(pixels.data(), 3, 2, 8, 2, out.data()));
     ASSERT_TRUE(image.DitherOrdered(0));
     CxImage copied;
     ASSERT_TRUE(copied.CreateFromArray(pixels.data(), 3, 2, 8, 2, false) && copied.DitherOrdered(0));
     EXPECT_EQ(bitsOf(image), bitsOf(copied));
+    EXPECT_THAT(out, Each(77));  // rows that are shorter than those of the result are never written over
 }
 
 TEST(CxImageCreation, an_attached_array_offers_no_pixels_before_it_is_reduced) {
@@ -166,7 +169,8 @@ TEST(CxImageCreation, an_attached_array_offers_no_pixels_before_it_is_reduced) {
     EXPECT_THAT(pixels, Each(255));
     ASSERT_TRUE(image.Dither(0));
     EXPECT_EQ(image.GetHeader().biBitCount, 1);
-    EXPECT_EQ(image.GetDIB().size(), 40U + 8 + 16);
+    EXPECT_EQ(image.GetDIB().size(), 40U + 8);
+    EXPECT_EQ(image.GetBits().size(), 16U);
 }
 
 // ---- pixels ---------------------------------------------------------------------------------------------------------------------

@@ -49,6 +49,21 @@ std::vector<CpuLevel> levels() {
 
 class HalftoneExact : public testing::TestWithParam<Case> {
   protected:
+    // The page in rows of whole words, its result written over it.
+    static void overThePage(const NaiveGrey& grey, CpuLevel level, const Bytes& wanted, const std::string& what) {
+        const std::uint32_t scanLine = (grey.width + 3) / 4 * 4;
+        Bytes page(std::size_t{scanLine} * grey.height, 0xEE);
+        for (std::uint32_t y = 0; y < grey.height; ++y) std::copy_n(grey.pixels.data() + y * grey.width, grey.width, page.data() + y * scanLine);
+        const Bytes before = page;
+        CxImage image;
+        image.SetCpuLevel(level);
+        ASSERT_TRUE(image.AttachArray(page.data(), grey.width, grey.height, 8, scanLine, page.data()) && reduce(image, GetParam().method));
+        ASSERT_EQ(image.GetBits().data(), page.data());
+        ASSERT_TRUE(bitsOf(image) == wanted) << what << ", level " << static_cast<int>(level) << ", over the page";
+        const auto rest = static_cast<long>(wanted.size());
+        ASSERT_TRUE(std::equal(page.begin() + rest, page.end(), before.begin() + rest)) << what;
+    }
+
     // The pixels end where their block ends, so that a loop which reads further is seen by the sanitisers.
     static void compare(const NaiveGrey& grey, const std::string& what) {
         const Bytes wanted = expected(grey, GetParam().method);
@@ -62,6 +77,7 @@ class HalftoneExact : public testing::TestWithParam<Case> {
                 ASSERT_EQ(image.GetBpp(), 1U);
                 ASSERT_TRUE(bitsOf(image) == wanted) << what << ", level " << static_cast<int>(level) << ", attached " << attached;
             }
+            overThePage(grey, level, wanted, what);
         }
     }
 };
