@@ -3,7 +3,7 @@
 //   halftone/METHOD/LEVEL     page to one bit, with plain loops, registers of 128 bits and of 256 bits (where the processor has them);
 //                             counters: ns for each pixel, and `copies`, the time in copies of the page. A copy is made beside each
 //                             run, so that both meet the same machine; the quickest of each counts
-// To hold, in copies, for 128 and 256 bits: ordered 2.5 and 1.5, Floyd-Steinberg 6 and 3, Jarvis and Stucki 7 and 4.5, Burkes 5 and
+// To hold, in copies, with 128 and 256 bits: ordered 2.5 and 1.5, Floyd-Steinberg 6 and 3, Jarvis and Stucki 7 and 4.5, Burkes 5 and
 // 3.5. The page is 600 x 400 mm at 1000 dpi, 372 million pixels; MORVIL_BENCH_ROWS in the environment takes fewer rows of it.
 #include <benchmark/benchmark.h>
 

@@ -15,8 +15,8 @@ inline Vector bytes(int value) { return {_mm_set1_epi8(static_cast<char>(value))
 inline Vector words(unsigned value) { return {_mm_set1_epi16(static_cast<short>(value))}; }
 inline Vector load(const void* from) { return {_mm_loadu_si128(static_cast<const __m128i*>(from))}; }
 inline void store(Vector a, void* to) { _mm_storeu_si128(static_cast<__m128i*>(to), a.v); }
-inline Vector loadHalves(const void* from, const void* /*far*/) { return load(from); }
-inline void storeHalves(Vector a, void* to, void* /*far*/) { store(a, to); }
+inline Vector loadHalves(const void* from, const void* /*upper*/) { return load(from); }
+inline void storeHalves(Vector a, void* to, void* /*upper*/) { store(a, to); }
 
 inline Vector add(Vector a, Vector b) { return {_mm_add_epi8(a.v, b.v)}; }
 inline Vector addClamped(Vector a, Vector b) { return {_mm_adds_epi8(a.v, b.v)}; }

@@ -331,21 +331,21 @@ class Stream {
     inline void loadFresh(int step, Vector (&fresh)[kGroup]) const {
 #pragma GCC unroll 16
         for (int i = 0; i < kGroup; ++i) {
-            const unsigned char* const near = m_fresh[rowOf(i)] + columnOf(rowOf(i), step);
-            const unsigned char* const far = m_fresh[upperRowOf(i)] + columnOf(upperRowOf(i), step);
-            fresh[i] = loadHalves(near, far);
+            const unsigned char* const lower = m_fresh[rowOf(i)] + columnOf(rowOf(i), step);
+            const unsigned char* const upper = m_fresh[upperRowOf(i)] + columnOf(upperRowOf(i), step);
+            fresh[i] = loadHalves(lower, upper);
             if (step % kCacheLine != 0) continue;
-            __builtin_prefetch(near + kPrefetch);
-            if constexpr (kLanes > kGroup) __builtin_prefetch(far + kPrefetch);
+            __builtin_prefetch(lower + kPrefetch);
+            if constexpr (kLanes > kGroup) __builtin_prefetch(upper + kPrefetch);
         }
     }
     // The same where not all columns exist.
     void loadExisting(int step, Vector (&fresh)[kGroup]) const {
 #pragma GCC unroll 1
         for (int i = 0; i < kGroup; ++i) {
-            unsigned char near[kGroup] = {};
-            unsigned char far[kGroup] = {};
-            fresh[i] = loadHalves(existing(rowOf(i), step, near), existing(upperRowOf(i), step, far));
+            unsigned char lower[kGroup] = {};
+            unsigned char upper[kGroup] = {};
+            fresh[i] = loadHalves(existing(rowOf(i), step, lower), existing(upperRowOf(i), step, upper));
         }
     }
     [[gnu::noinline]] const unsigned char* existing(int row, int step, unsigned char (&room)[kGroup]) const {
