@@ -175,11 +175,12 @@ bool CSpoolFile::measure(FileStream& file, const VectorBackup& vectors, ShrinkPl
     logMorvil(1, kError, TEXT("doShrinkToBoundigbox VectorOffset.x=%d, VectorOffset.y=%d"), plan.job.left, plan.job.bottom, kLogEnd);
     plan.width = newExtent(plan.margins.left, plan.margins.right, plan.job.left, plan.job.right);
     plan.height = newExtent(plan.margins.top, plan.margins.bottom, plan.job.bottom, plan.job.top);
+    if (plan.job.isEmpty()) return false;
     if (m->hasBitmapSection() && !measureBitmap(plan.width, plan.height, m->bitmap.bitsPerPixel())) {
         logMorvil(1, kError, TEXT("doShrinkToBoundigbox, %d x %d pixels are too many"), plan.width, plan.height, kLogEnd);
         return false;
     }
-    if (plan.job.isEmpty() || !plan.cutting.reserve(m->bitmap, plan.bitmap)) return false;
+    if (!plan.cutting.reserve(m->bitmap, plan.bitmap)) return false;
     if (plan.cutting.readFrom(m->bitmap)) return true;
     logMorvil(1, kError, TEXT("doShrinkToBoundigbox, the pixels of %s cannot be read"), m->jobFile, kLogEnd);
     return false;

@@ -147,6 +147,20 @@ TEST_F(JobShrink, a_page_without_content_stays_as_it_was) {
     EXPECT_TRUE(logged("CSpoolFile::doShrinkToBoundigbox finished"));
 }
 
+// The measures of nothing wrap to a size that no image could have; nobody asks for an image of that size.
+TEST_F(JobShrink, a_grey_page_without_content_is_no_error) {
+    setPage(kModeRelief, 16, 8);
+    const std::string job = shrunk(greyPage(16, 8));
+    EXPECT_EQ(imageOf(job).pixels, greyPage(16, 8));
+    Strings errors = m_completionLog;
+    std::erase_if(errors, [](const std::string& line) { return !line.starts_with("!!! "); });
+    EXPECT_EQ(errors, (Strings{"!!! doShrinkToBoundigbox Job.left=16, Job.top=1, Job.right=1, Job.bottom=8",
+                               "!!! doShrinkToBoundigbox Bitmap.left=16, Bitmap.top=1, Bitmap.right=1, Bitmap.bottom=8",
+                               "!!! doShrinkToBoundigbox Vectors.left=0, Vectors.top=0, Vectors.right=0, Vectors.bottom=0",
+                               "!!! doShrinkToBoundigbox BitmapOffset.x=0, BitmapOffset.y=0",
+                               "!!! doShrinkToBoundigbox VectorOffset.x=16, VectorOffset.y=8"}));
+}
+
 TEST_F(JobShrink, without_margins_a_job_that_fills_its_page_is_itself) {
     const Strings full{"................................", "...............................#", "................................",
                        "################################"};
