@@ -83,7 +83,10 @@ void adjust(const LockedSurface& locked, const SURFOBJ& surface, BitmapInfoBlock
     const SIZEL size = locked.get().sizlBitmap;
     SetStretchBltMode(pair.destination(), HALFTONE);
     SetColorAdjustment(pair.destination(), &adjustment);
-    StretchBlt(pair.destination(), 0, 0, size.cx, size.cy, pair.source(), 0, 0, size.cx, size.cy, SRCCOPY);
+    if (StretchBlt(pair.destination(), 0, 0, size.cx, size.cy, pair.source(), 0, 0, size.cx, size.cy, SRCCOPY) == FALSE) {
+        logMorvil(1, kError, TEXT("doColorAdjustment Error StretchBlt"), kLogEnd);
+        return;
+    }
     tell(TEXT("doColorAdjustment 150\n"));
     copyBits(locked.bits(), pair.result().bits());
     tell(TEXT("doColorAdjustment 160\n"));
@@ -98,7 +101,9 @@ bool mirror(const LockedSurface& locked, const SURFOBJ& surface, BitmapInfoBlock
         logMorvil(1, kError, TEXT("doFlipHorizontal Error StretchBlt"), kLogEnd);
         return false;
     }
-    const LocalBlock<std::uint8_t> mirrored(getBuffer(pair.result().get(), nullptr));
+    const std::uint32_t bytes = getBuffer(pair.result().get(), nullptr);
+    const LocalBlock<std::uint8_t> mirrored(bytes);
+    if (bytes != 0 && !mirrored) logMorvil(1, kError, TEXT("doFlipHorizontal, no memory for %u bytes"), bytes, kLogEnd);
     if (mirrored.span().empty() || getBuffer(pair.result().get(), mirrored.get()) == 0) return false;
     copyBits(locked.bits(), mirrored.span());
     return true;
@@ -109,6 +114,7 @@ bool mirror(const LockedSurface& locked, const SURFOBJ& surface, BitmapInfoBlock
 int doColorAdjustment(const SURFOBJ& surface, const COLORADJUSTMENT& adjustment) {
     const LocalBlock<BitmapInfoBlock> info(1);
     tell(TEXT("doColorAdjustment\n"));
+    if (!info) logMorvil(1, kError, TEXT("doColorAdjustment, no memory for the bitmap's header"), kLogEnd);
     const LockedSurface locked(surface);
     if (!locked) {
         logMorvil(1, kError, TEXT("FilleSurface Fehler bei EngLockSurface"), kLogEnd);
@@ -122,6 +128,7 @@ int doColorAdjustment(const SURFOBJ& surface, const COLORADJUSTMENT& adjustment)
 int doFlipHorizontal(const SURFOBJ& surface) {
     const LocalBlock<BitmapInfoBlock> info(1);
     tell(TEXT("doFlipHorizontal\n"));
+    if (!info) logMorvil(1, kError, TEXT("doFlipHorizontal, no memory for the bitmap's header"), kLogEnd);
     const LockedSurface locked(surface);
     if (!locked) {
         logMorvil(1, kError, TEXT("FilleSurface Fehler bei EngLockSurface"), kLogEnd);

@@ -5,6 +5,7 @@
 
 #include "driver/DriverFixture.h"
 #include "raster/BitmapInfo.h"
+#include "support/FailingCalls.h"
 
 namespace morvil::test {
 namespace {
@@ -71,7 +72,7 @@ TEST_F(ImageOperations, a_surface_without_bits_is_left_alone) {
 struct Refusal {
     const char* call;
     int number;
-    const char* error;  // logged by the adjustment; null: the call's own line is in the shared part
+    const char* error;  // logged by the adjustment
 };
 std::string nameOf(const testing::TestParamInfo<Refusal>& tested) { return std::string(tested.param.call) + std::to_string(tested.param.number); }
 
@@ -84,9 +85,7 @@ TEST_P(RefusedOperation, leaves_the_adjusted_surface_as_it_was) {
     EXPECT_EQ(bits(), before);
     EXPECT_EQ(contexts.calls[GetParam().call] >= GetParam().number, true) << "the call was never made";
     EXPECT_EQ(lines().back(), "doColorAdjustment finished");
-    if (GetParam().error != nullptr) {
-        EXPECT_THAT(lines(), Contains(GetParam().error));
-    }
+    EXPECT_THAT(lines(), Contains(GetParam().error));
     EXPECT_EQ(engine.count("EngUnlockSurface"), 1U);
 }
 
@@ -110,7 +109,7 @@ INSTANTIATE_TEST_SUITE_P(Calls, RefusedOperation,
                                          Refusal{"CreateDIBSection", 2, "!!! doColorAdjustment Error SelectObject"},
                                          Refusal{"SelectObject", 1, "!!! doColorAdjustment Error SelectObject"},
                                          Refusal{"SelectObject", 2, "!!! doColorAdjustment Error SelectObject"},
-                                         Refusal{"StretchBlt", 1, nullptr}),
+                                         Refusal{"StretchBlt", 1, "!!! doColorAdjustment Error StretchBlt"}),
                          nameOf);
 
 TEST_F(ImageOperations, mirrored_bits_that_cannot_be_read_back_change_nothing) {
@@ -122,6 +121,26 @@ TEST_F(ImageOperations, mirrored_bits_that_cannot_be_read_back_change_nothing) {
         EXPECT_EQ(bits(), before) << call;
     }
     EXPECT_THAT(lines(), IsSupersetOf({"!!! getBuffer Error1=1400", "!!! getBuffer Error1=1400", "!!! getBuffer Error2=1400"}));
+}
+
+TEST_F(ImageOperations, a_lack_of_memory_is_logged_and_changes_nothing) {
+    const auto linesWithout = [this](int allocation, const auto& operation) {
+        clearLogs();
+        {
+            const FailingCalls faults(allocation, Fault::Transient, "allocate");
+            EXPECT_EQ(operation(), 0);
+            EXPECT_EQ(faults.fired(), 1);
+        }
+        EXPECT_EQ(bits(), before);
+        EXPECT_TRUE(nothingLeft());
+        return lines();
+    };
+    const auto adjust = [this] { return doColorAdjustment(*pso, adjustment); };
+    const auto flip = [this] { return doFlipHorizontal(*pso); };
+    EXPECT_THAT(linesWithout(1, adjust), ElementsAre("doColorAdjustment", "!!! doColorAdjustment, no memory for the bitmap's header", "doColorAdjustment finished"));
+    EXPECT_THAT(linesWithout(1, flip), ElementsAre("doFlipHorizontal", "!!! doFlipHorizontal, no memory for the bitmap's header", "doFlipHorizontal finished"));
+    // The second is the row of the palette, the third what the mirrored bits are read into.
+    EXPECT_THAT(linesWithout(3, flip), ElementsAre("doFlipHorizontal", "!!! doFlipHorizontal, no memory for 8000 bytes", "doFlipHorizontal finished"));
 }
 
 TEST_F(ImageOperations, the_adjusted_bits_stand_in_the_surface) {
