@@ -135,6 +135,21 @@ TEST_F(Escapes, names_that_do_not_fit_are_refused_whole) {
     EXPECT_EQ(state().configuration.layers, 9);
 }
 
+// 259 characters reach the store, which has no room for items below so long a name.
+TEST_F(Escapes, a_name_may_have_one_character_and_259_are_too_many_for_the_store) {
+    const std::string longest(259, 'n');
+    store(TEXT("n"), 31);
+    store(fromUtf8(longest).c_str(), 32);
+    state().configuration.layers = 9;
+    EXPECT_EQ(escape(kSupported, longest), 0U);
+    EXPECT_EQ(escape(kLoad, longest), 0U);
+    EXPECT_EQ(state().configuration.layers, 9);
+    EXPECT_THAT(morvilLog(), Contains("DrvEscape MV_CONFIGURATION_LOAD cjIn=259, wcConfigName=" + longest));
+    EXPECT_EQ(escape(kSupported, "n"), 1U);
+    EXPECT_EQ(escape(kLoad, "n"), 1U);
+    EXPECT_EQ(state().configuration.layers, 31);
+}
+
 TEST_F(Escapes, a_name_that_the_store_refuses_changes_nothing) {
     state().configuration.layers = 9;
     EXPECT_EQ(escape(kLoad, "2"), 0U);  // a number names no configuration
