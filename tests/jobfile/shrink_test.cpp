@@ -1,49 +1,18 @@
-// Shrinking to the bounding box: what is kept of pixels and vectors, where it comes to stand, and what a failure leaves.
+// Shrinking to the bounding box: what is kept of pixels and vectors, and where it comes to stand. Failures are in
+// shrink_faults_test.cpp.
 #include <random>
 
 #include "config/CMvConfig.h"
 #include "jobfile/BackupPolygons.h"
-#include "jobfile/PageJob.h"
+#include "jobfile/ShrinkJob.h"
 #include "raster/ColourListFiles.h"
-#include "support/FailingCalls.h"
 
 namespace morvil::test {
 
 namespace {
 
 using Strings = std::vector<std::string>;
-
-class JobShrink : public PageJob {
-  protected:
-    JobShrink() { config.flags = MV_FL_SHRINK_TO_BOUNDING_BOX; }
-
-    // The polygons and curve of a job, then its page, then completion.
-    std::string shrunk(const std::string& rows, const std::function<void(CSpoolFile&)>& draw = {}) {
-        for (const std::string& file : spoolFiles()) DeleteFileW(inSpool(fromUtf8(file)).c_str());
-        const auto writer = begin(1);
-        if (draw) draw(*writer);
-        EXPECT_TRUE(rows.empty() || sendPage(*writer, rows));
-        clearLog();
-        writer->Complete();
-        m_completionLog = messages();
-        return finished(*writer);
-    }
-    [[nodiscard]] bool completionLogged(const std::string& message) const {
-        return std::find(m_completionLog.begin(), m_completionLog.end(), message) != m_completionLog.end();
-    }
-    void visitEveryCall(const std::string& rows);
-    static std::string sizeLine(const std::string& job) {
-        const std::size_t at = job.find("<Size:");
-        return at == std::string::npos ? std::string() : job.substr(at, job.find("\r\n", at) - at);
-    }
-
-    Strings m_completionLog;
-};
-
-const Strings kPicture{
-    "................", "................", "......##........", "......#..#......",
-    "................", "................", "................", "................",
-};
+using JobShrink = ShrinkJob;
 
 std::string greyPage(std::uint32_t width, std::uint32_t height) { return storedRows(Strings(height, std::string(width, '\xFF'))); }
 
@@ -51,7 +20,7 @@ std::string greyPage(std::uint32_t width, std::uint32_t height) { return storedR
 
 TEST_F(JobShrink, keeps_the_box_of_a_one_bit_page) {
     setPage(kModeStamp, 16, 8);
-    const std::string job = shrunk(bitRows(kPicture));
+    const std::string job = shrunk(bitRows(kShrinkPicture));
     const StoredImage image = imageOf(job);
     EXPECT_EQ(image.width, 4U);
     EXPECT_EQ(image.height, 2U);
@@ -65,7 +34,7 @@ TEST_F(JobShrink, keeps_the_box_of_a_one_bit_page) {
 TEST_F(JobShrink, logs_every_step) {
     setPage(kModeStamp, 16, 8);
     setMargins(1, 2, 3, 4);
-    shrunk(bitRows(kPicture), [](CSpoolFile& writer) { polygon(writer, {4, 12, 5}, {1, 3, 6}); });
+    shrunk(bitRows(kShrinkPicture), [](CSpoolFile& writer) { polygon(writer, {4, 12, 5}, {1, 3, 6}); });
     EXPECT_EQ(m_completionLog, (Strings{"SpoolFile ProcessMode=Stamp",
                                         "Shringk to bounding box",
                                         "CSpoolFile::doShrinkToBoundigbox",
@@ -104,7 +73,7 @@ TEST_F(JobShrink, logs_every_step) {
 TEST_F(JobShrink, margins_stay_around_bitmap_and_vectors) {
     setPage(kModeStamp, 16, 8);
     setMargins(1, 2, 3, 4);
-    const std::string job = shrunk(bitRows(kPicture), [](CSpoolFile& writer) { polygon(writer, {4, 12, 5}, {1, 3, 6}, 0x030201); });
+    const std::string job = shrunk(bitRows(kShrinkPicture), [](CSpoolFile& writer) { polygon(writer, {4, 12, 5}, {1, 3, 6}, 0x030201); });
     const StoredImage image = imageOf(job);
     EXPECT_EQ(image.width, 9U + 1 + 3);
     EXPECT_EQ(image.height, 6U + 2 + 4);
@@ -360,7 +329,7 @@ TEST_F(JobShrink, a_colour_stamp_gets_its_colours_anew) {
 TEST_F(JobShrink, a_page_in_bands_shrinks_as_a_whole_one) {
     for (const WORD mode : {kModeStamp, kModeColourStamp, kModeRelief}) {
         setPage(mode, 16, 8);
-        const std::string rows = mode == kModeStamp ? bitRows(kPicture) : greyPage(16, 8).replace(3 * 16 + 4, 3, "\x01\x02\x01");
+        const std::string rows = mode == kModeStamp ? bitRows(kShrinkPicture) : greyPage(16, 8).replace(3 * 16 + 4, 3, "\x01\x02\x01");
         const auto draw = [](CSpoolFile& writer) { polygon(writer, {4, 12, 5}, {1, 3, 6}); };
         const std::string whole = shrunk(rows, draw);
         DeleteFileW(inSpool(TEXT("Plan.tsf")).c_str());
@@ -381,140 +350,11 @@ TEST_F(JobShrink, a_page_in_bands_shrinks_as_a_whole_one) {
 TEST_F(JobShrink, replaces_a_finished_file_of_that_name) {
     setPage(kModeStamp, 16, 8);
     const auto writer = begin(1);
-    sendPage(*writer, bitRows(kPicture));
+    sendPage(*writer, bitRows(kShrinkPicture));
     writeBytes(inSpool(TEXT("Plan.tsf")), "appeared since");
     writer->Complete();
     EXPECT_EQ(spoolFiles(), Strings{"Plan.tsf"});
     EXPECT_EQ(imageOf(readBytes(inSpool(TEXT("Plan.tsf")))).width, 4U);
-}
-
-TEST_F(JobShrink, without_a_backup_the_job_stays_as_it_is) {
-    setPage(kModeStamp, 16, 8);
-    const auto writer = begin(1);
-    polygon(*writer, {4}, {1});
-    sendPage(*writer, bitRows(kPicture));
-    const std::string before = bytesOf(*writer);
-    makeFolder(inSpool(TEXT("BackUp_Polygon.dat")));
-    writer->Complete();
-    EXPECT_TRUE(logged("!!! SpoolFile Error BackUpPolygon"));
-    EXPECT_EQ(finished(*writer), before);
-}
-
-TEST_F(JobShrink, a_file_that_cannot_be_opened_is_left_alone) {
-    setPage(kModeStamp, 16, 8);
-    const auto writer = begin(1);
-    sendPage(*writer, bitRows(kPicture));
-    const std::string before = bytesOf(*writer);
-    SetFileAttributesW(writer->jobFilePath(), FILE_ATTRIBUTE_READONLY);
-    clearLog();
-    writer->Complete();
-    EXPECT_EQ(messages(), (Strings{"SpoolFile ProcessMode=Stamp", "Shringk to bounding box", "CSpoolFile::doShrinkToBoundigbox",
-                                   "Shringk to bounding box finished"}));
-    EXPECT_EQ(finished(*writer), before);
-}
-
-TEST_F(JobShrink, nothing_is_shrunk_without_a_job_of_our_own) {
-    setPage(kModeStamp, 16, 8);
-    const auto writer = begin(1);
-    writer->Abort();
-    writeBytes(inSpool(TEXT("Plan.tsa")), "somebody else's");
-    writer->Complete();
-    EXPECT_EQ(readBytes(inSpool(TEXT("Plan.tsa"))), "somebody else's");
-}
-
-TEST_F(JobShrink, a_file_cut_anywhere_is_logged_and_not_given_away) {
-    setPage(kModeStamp, 16, 8);
-    std::size_t length = 0;
-    {
-        const auto writer = begin(1);
-        polygon(*writer, {4, 12, 5}, {1, 3, 6});
-        sendPage(*writer, bitRows(kPicture));
-        length = bytesOf(*writer).size();
-    }
-    for (std::size_t cut = 0; cut < length; cut += cut + 40 < length ? 7 : 1) {
-        const auto writer = begin(1);
-        polygon(*writer, {4, 12, 5}, {1, 3, 6});
-        sendPage(*writer, bitRows(kPicture));
-        writeBytes(writer->jobFilePath(), bytesOf(*writer).substr(0, cut));
-        clearLog();
-        writer->Complete();
-        EXPECT_TRUE(logged("!!! doShrinkToBoundigbox, " + toUtf8(m_spool) + "\\Plan.tsa has been cut")) << cut;
-        EXPECT_EQ(spoolFiles(), Strings{}) << cut;
-    }
-}
-
-// A page with content, and one where the box is that of the vectors alone.
-void JobShrink::visitEveryCall(const std::string& rows) {
-    setPage(kModeStamp, 16, 8);
-    setMargins(1, 0, 0, 2);
-    m_log.settings.enabled = 0;
-    const auto prepared = [this, &rows] {
-        auto writer = begin(1);
-        polygon(*writer, {4, 12, 5}, {1, 3, 6});
-        sendPage(*writer, rows);
-        return writer;
-    };
-    const std::string asDrawn = bytesOf(*prepared());
-    auto first = prepared();
-    first->Complete();
-    const std::string whole = finished(*first);
-    first.reset();
-    ASSERT_NE(whole, asDrawn);
-    const auto withoutMargins = [&] {  // where the configuration cannot be read
-        setMargins(0, 0, 0, 0);
-        DeleteFileW(inSpool(TEXT("Plan.tsf")).c_str());
-        const auto writer = prepared();
-        writer->Complete();
-        setMargins(1, 0, 0, 2);
-        return finished(*writer);
-    }();
-    for (const char* const call : {"write", "read", "open", "truncate", "allocate", "remove", "rename"}) {
-        for (const Fault fault : {Fault::Transient, Fault::Persistent}) {
-            for (int n = 1;; ++n) {
-                for (const std::string& file : spoolFiles()) DeleteFileW(inSpool(fromUtf8(file)).c_str());
-                auto writer = prepared();
-                int fired = 0;
-                {
-                    const FailingCalls faults(n, fault, call);
-                    writer->Complete();
-                    fired = faults.fired();
-                }
-                const std::string job = finished(*writer);
-                EXPECT_TRUE(job == whole || job == withoutMargins || job == asDrawn || job == "no finished job")
-                    << call << ' ' << n << ":\n"
-                    << job;
-                writer.reset();
-                for (const std::string& file : spoolFiles()) {
-                    const bool mayStay = std::string_view(call) == "remove" || std::string_view(call) == "rename";
-                    EXPECT_TRUE(file == "Plan.tsf" || mayStay) << call << ' ' << n << ": " << file;
-                }
-                if (fired == 0) {
-                    EXPECT_EQ(job, whole);
-                    break;
-                }
-                ASSERT_LT(n, 500);
-            }
-        }
-    }
-}
-
-TEST_F(JobShrink, each_call_that_fails_leaves_a_whole_job_or_none) { visitEveryCall(bitRows(kPicture)); }
-TEST_F(JobShrink, each_call_that_fails_beside_an_empty_bitmap_leaves_a_whole_job_or_none) {
-    visitEveryCall(bitRows(Strings(8, std::string(16, '.'))));
-}
-
-TEST_F(JobShrink, without_memory_for_the_pixels_the_job_stays_as_it_is) {
-    setPage(kModeStamp, 16, 8);
-    const auto writer = begin(1);
-    sendPage(*writer, bitRows(kPicture));
-    const std::string before = bytesOf(*writer);
-    {
-        const FailingCalls faults(2, Fault::Transient, "allocate");  // the first is the search's row buffer
-        writer->Complete();
-        EXPECT_EQ(faults.fired(), 1);
-    }
-    EXPECT_EQ(finished(*writer), before);
-    EXPECT_EQ(messagesFrom("!!! doShrinkToBoundigbox").size(), 5U);
 }
 
 TEST(BackupPolygonLines, are_read_leniently) {
