@@ -30,7 +30,7 @@ std::string registerQueue(const std::wstring& printer) {
     HKEY key = nullptr;
     if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) != ERROR_SUCCESS) return failed("RegCreateKeyEx");
     const DWORD attributes = PRINTER_ATTRIBUTE_LOCAL;
-    const bool written = setText(key, L"Name", printer) && setText(key, L"Printer Driver", printer) && setText(key, L"Port", L"FILE:") &&
+    const bool written = setText(key, L"Name", printer) && setText(key, L"Printer Driver", printer) && setText(key, L"Port", L"MORVIL:") &&
                          setText(key, L"Print Processor", L"winprint") && setText(key, L"Datatype", L"RAW") && setText(key, L"Description", L"") &&
                          setText(key, L"Location", L"") && setText(key, L"Parameters", L"") && setText(key, L"Separator File", L"") && setText(key, L"Share Name", L"") &&
                          RegSetValueExW(key, L"Attributes", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&attributes), sizeof(attributes)) == ERROR_SUCCESS;

@@ -17,6 +17,22 @@ void copyBits(std::span<std::uint8_t> to, std::span<const std::uint8_t> from) {
     if (bytes > 0) std::memcpy(to.data(), from.data(), bytes);
 }
 
+// The pixels of rows as GetDIBits gives them, without what pads a row: systems leave different things there, and the page's own
+// padding goes into the job.
+void copyPixels(std::span<std::uint8_t> to, std::span<const std::uint8_t> from, const BITMAPINFOHEADER& header) {
+    const std::size_t rowBits = static_cast<std::size_t>(header.biWidth) * header.biBitCount;
+    const std::size_t stride = (rowBits + 31) / 32 * 4;
+    const std::size_t whole = rowBits / 8;
+    const auto lastBits = static_cast<std::uint8_t>(0xFF00U >> (rowBits % 8));  // of the byte that holds pixels and padding
+    const std::size_t bytes = std::min(to.size(), from.size());
+    for (std::size_t row = 0; row + stride <= bytes; row += stride) {
+        std::memcpy(&to[row], &from[row], whole);
+        if (lastBits == 0) continue;
+        std::uint8_t& last = to[row + whole];
+        last = static_cast<std::uint8_t>((last & ~lastBits) | (from[row + whole] & lastBits));
+    }
+}
+
 // The texts of an operation's log, which differ between the two. The last three are null where it tells no progress.
 struct Texts {
     const WCHAR* contexts;
@@ -105,7 +121,7 @@ bool mirror(const LockedSurface& locked, const SURFOBJ& surface, BitmapInfoBlock
     const LocalBlock<std::uint8_t> mirrored(bytes);
     if (bytes != 0 && !mirrored) logMorvil(1, kError, TEXT("doFlipHorizontal, no memory for %u bytes"), bytes, kLogEnd);
     if (mirrored.span().empty() || getBuffer(pair.result().get(), mirrored.get()) == 0) return false;
-    copyBits(locked.bits(), mirrored.span());
+    copyPixels(locked.bits(), mirrored.span(), info.header);
     return true;
 }
 

@@ -49,7 +49,7 @@ SpoolerPrinter usualPrinter() {
             .separatorFile = {},
             .processor = TEXT("winprint"),
             .dataType = TEXT("RAW"),
-            .attributes = 0,
+            .attributes = PRINTER_ATTRIBUTE_LOCAL,
             .jobs = 0};
 }
 

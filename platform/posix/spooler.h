@@ -5,6 +5,7 @@
 #include "platform/posix/base_types.h"
 
 #define PRINTER_ATTRIBUTE_DIRECT 0x2U
+#define PRINTER_ATTRIBUTE_LOCAL 0x40U
 
 struct DEVMODEW;
 struct PRINTER_DEFAULTSW;

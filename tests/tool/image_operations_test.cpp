@@ -19,9 +19,11 @@ std::vector<std::uint8_t> bytesOf(const SURFOBJ& surface) {
     return {bits, bits + surface.cjBits};
 }
 
-// Random pixels; what pads the rows stays 0.
+// Random pixels and paddings.
 void scribble(SURFOBJ& surface) {
     std::mt19937 random(7);
+    auto* const bits = static_cast<std::uint8_t*>(surface.pvBits);
+    std::generate_n(bits, surface.cjBits, [&random] { return static_cast<std::uint8_t>(random()); });
     for (LONG y = 0; y < surface.sizlBitmap.cy; ++y) {
         for (LONG x = 0; x < surface.sizlBitmap.cx; ++x) test::setPixel(surface, x, y, static_cast<ULONG>(random()) & 0xFFFFFF);
     }
@@ -171,9 +173,9 @@ TEST_F(PrintedPage, mirrored_is_each_row_reversed) {
     const std::size_t width = field(18);
     const std::size_t stride = (width + 3) / 4 * 4;
     for (std::size_t row = offset; row + stride <= plain.size(); row += stride) {
-        std::string reversed = mirrored.substr(row, width);  // what pads a row is nobody's pixel
-        std::reverse(reversed.begin(), reversed.end());
-        ASSERT_TRUE(plain.substr(row, width) == reversed) << (row - offset) / stride;
+        std::string reversed = mirrored.substr(row, stride);  // what pads a row stays where it is
+        std::reverse(reversed.begin(), reversed.begin() + static_cast<std::ptrdiff_t>(width));
+        ASSERT_TRUE(plain.substr(row, stride) == reversed) << (row - offset) / stride;
     }
 }
 
