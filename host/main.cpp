@@ -1,14 +1,16 @@
 // main.cpp - morvil.exe DRIVER OUT RECORDING...: for each recording, puts the settings that it holds into an empty data root,
 // loads the driver, makes the calls, unloads it, and moves the jobs and logs to OUT\<recording's name>. Exit status 0 when
 // every call was answered as recorded and nothing was left behind.
+// morvil.exe DRIVER --stress ITEM STORES JOBS RECORDING: stores an item of the configuration and makes a recording's calls over
+// and over, in the data root as it is, so that several such processes can be set against each other.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 
-#include "host/HostEngine.h"
-#include "host/ImportPatch.h"
+#include "host/LoadedDriver.h"
 #include "host/Printer.h"
+#include "host/stress.h"
 #include "trace/RecordingFile.h"
 
 using namespace morvil;
@@ -19,23 +21,6 @@ namespace fs = std::filesystem;
 
 fs::path driveC() { return "C:\\"; }
 fs::path dataRoot() { return "C:\\ProgramData\\Morvil"; }
-
-class LoadedDriver {
-  public:
-    explicit LoadedDriver(const fs::path& file) : m_library(LoadLibraryW(file.c_str())) {}
-    ~LoadedDriver() {
-        if (m_library != nullptr) FreeLibrary(m_library);
-    }
-    LoadedDriver(const LoadedDriver&) = delete;
-    LoadedDriver& operator=(const LoadedDriver&) = delete;
-    [[nodiscard]] HMODULE get() const { return m_library; }
-
-    using EnableDriver = BOOL (*)(ULONG, ULONG, DRVENABLEDATA*);
-    [[nodiscard]] EnableDriver enable() const { return reinterpret_cast<EnableDriver>(reinterpret_cast<void (*)()>(GetProcAddress(m_library, "DrvEnableDriver"))); }
-
-  private:
-    HMODULE m_library;
-};
 
 std::vector<std::uint8_t> read(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -62,38 +47,40 @@ void collect(const fs::path& out) {
     }
 }
 
-std::string play(const fs::path& driverFile, const trace::Recording& recording) {
-    const LoadedDriver driver(driverFile);
-    if (driver.get() == nullptr) return "the driver cannot be loaded, error " + std::to_string(GetLastError());
-    const std::string missing = host::replaceImports(driver.get(), host::services());
-    if (!missing.empty()) return "the driver asks for services that the host does not have: " + missing;
-    host::HostEngine engine(recording.largestSurface);
-    const trace::ReplayReport report = trace::replay(recording, driver.enable(), engine);
-    if (!report.done) return report.reason;
-    return engine.leftOver() == 0 ? std::string() : std::to_string(engine.leftOver()) + " surfaces and palettes were not given back";
-}
-
 bool run(const fs::path& driverFile, const fs::path& out, const fs::path& file) {
     std::string reason;
     const auto recording = trace::fromBytes(read(file), reason);
     if (recording) {
         restore(*recording);
         reason = host::installPrinter(std::wstring(recording->printer.begin(), recording->printer.end()), driverFile);
-        if (reason.empty()) reason = play(driverFile, *recording);
+        if (reason.empty()) reason = host::LoadedDriver(driverFile).play(*recording);
         collect(out / file.stem());
     }
     std::printf("%s: %s\n", file.stem().string().c_str(), reason.empty() ? "done" : reason.c_str());
     return reason.empty();
 }
 
+int runStress(const std::vector<std::string>& arguments) {
+    std::string reason;
+    const auto recording = trace::fromBytes(read(arguments[6]), reason);
+    if (recording) {
+        const host::StressLoad load{std::wstring(arguments[3].begin(), arguments[3].end()), std::stoi(arguments[4]), std::stoi(arguments[5])};
+        reason = host::stress(arguments[1], *recording, load);
+    }
+    if (!reason.empty()) std::fprintf(stderr, "morvil.exe: %s\n", reason.c_str());
+    return reason.empty() ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count < 4) {
-        std::fputs("usage: morvil.exe DRIVER OUT RECORDING...\n", stderr);
+    const bool stressing = count == 7 && std::string_view(arguments[2]) == "--stress";
+    if (count < 4 || (!stressing && std::string_view(arguments[2]) == "--stress")) {
+        std::fputs("usage: morvil.exe DRIVER OUT RECORDING...\n       morvil.exe DRIVER --stress ITEM STORES JOBS RECORDING\n", stderr);
         return 2;
     }
     try {
+        if (stressing) return runStress({arguments, arguments + count});
         bool done = true;
         for (int i = 3; i < count; ++i) done = run(arguments[1], arguments[2], arguments[i]) && done;
         return done ? 0 : 1;

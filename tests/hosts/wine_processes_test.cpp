@@ -1,0 +1,109 @@
+// Two processes of the Windows host with the shipped driver file on one data root: both store an item of the configuration over
+// and over and print into one spool folder. Nothing is lost, torn or left locked, also when one of them is killed.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string inQuotes(const fs::path& path) { return "'" + path.string() + "'"; }
+
+std::string read(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// A job without the one line in which two prints of a drawing differ.
+std::string withoutName(std::string job) {
+    const std::size_t begin = job.find("<JobName:");
+    return begin == std::string::npos ? job : job.erase(begin, job.find('\n', begin) - begin);
+}
+
+class WineProcesses : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!fs::exists(MORVIL_WINDOWS_HOST) || std::system("command -v wine >/dev/null 2>&1") != 0) GTEST_SKIP() << "no Wine, or " << MORVIL_WINDOWS_HOST << " is not built";
+        std::string pattern = (fs::temp_directory_path() / "morvil-wine-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        m_folder = pattern;
+        const std::string trace = std::string(MORVIL_TOOL) + " trace --quiet --home " + inQuotes(m_folder / "home") + " --title Plan --record " + inQuotes(recording()) +
+                                  " --set PrinterDriver.Configuration.Print.Process.ProcessOption.Resolution@index=5 " + inQuotes(std::string(MORVIL_SAMPLES) + "/badge.emf");
+        ASSERT_EQ(std::system((trace + " >/dev/null").c_str()), 0);
+        // Begins with an empty data root and makes the first job.
+        ASSERT_EQ(std::system((host() + inQuotes(m_folder / "out") + " " + inQuotes(recording()) + " >/dev/null 2>&1").c_str()), 0);
+        m_job = withoutName(read(m_folder / "out/Plan/Plan.tsf"));
+        ASSERT_FALSE(m_job.empty());
+    }
+    void TearDown() override {
+        if (!m_folder.empty()) fs::remove_all(m_folder);
+    }
+
+    [[nodiscard]] fs::path recording() const { return m_folder / "Plan.rec"; }
+    static std::string host() { return "wine " + inQuotes(MORVIL_WINDOWS_HOST) + " " + inQuotes(MORVIL_WINDOWS_DRIVER) + " "; }
+    // What the process says goes to a file named like its item.
+    [[nodiscard]] std::string process(const std::string& item, int stores, int jobs) const {
+        return host() + "--stress PrinterDriver.Stress." + item + " " + std::to_string(stores) + " " + std::to_string(jobs) + " " + inQuotes(recording()) + " >" +
+               inQuotes(m_folder / item) + " 2>&1 </dev/null";
+    }
+    [[nodiscard]] std::string said(const std::string& item) const { return read(m_folder / item); }
+
+    static fs::path dataRoot() {
+        const char* const prefix = std::getenv("WINEPREFIX");
+        return (prefix != nullptr ? fs::path(prefix) : fs::path(std::getenv("HOME")) / ".wine") / "drive_c/ProgramData/Morvil";
+    }
+    static std::vector<fs::path> files(const std::string& extension) {
+        std::vector<fs::path> list;
+        for (const auto& entry : fs::recursive_directory_iterator(dataRoot())) {
+            if (entry.path().extension() == extension) list.push_back(entry.path());
+        }
+        return list;
+    }
+    static std::string configuration() { return read(dataRoot() / "PrinterDriver/PrinterDriver.xml"); }
+    static void expectWholeConfiguration() {
+        EXPECT_TRUE(configuration().starts_with("<?xml "));
+        EXPECT_TRUE(configuration().ends_with("</PrinterDriver>\r\n"));
+    }
+    void expectGoodJobs(std::size_t least) const {
+        EXPECT_GE(files(".tsf").size(), least);
+        for (const fs::path& file : files(".tsf")) EXPECT_TRUE(withoutName(read(file)) == m_job) << file;
+    }
+
+    fs::path m_folder;
+    std::string m_job;
+};
+
+TEST_F(WineProcesses, that_store_and_print_at_once_keep_everything) {
+    ASSERT_EQ(std::system((process("First", 1000, 50) + " & " + process("Second", 1000, 50) + " & wait").c_str()), 0);
+    EXPECT_EQ(said("First"), "stored 1000, printed 50\r\n");
+    EXPECT_EQ(said("Second"), "stored 1000, printed 50\r\n");
+    EXPECT_NE(configuration().find("<First value=\"999\"/>"), std::string::npos);
+    EXPECT_NE(configuration().find("<Second value=\"999\"/>"), std::string::npos);
+    expectWholeConfiguration();
+    expectGoodJobs(101);
+    EXPECT_EQ(files(".tsf").size(), 101U);
+    EXPECT_TRUE(files(".tsa").empty());
+}
+
+// Whoever waits for a lock whose holder is killed goes without, once.
+TEST_F(WineProcesses, that_lose_one_of_them_go_on) {
+    std::mt19937 random(std::random_device{}());
+    const std::string moment = std::to_string(std::uniform_int_distribution<int>(4, 20)(random) / 10.0);
+    const std::string commands = process("Killed", 5000, 250) + " & killed=$!; " + process("Other", 300, 15) + " & other=$!; sleep " + moment + "; kill -9 $killed; wait $other";
+    ASSERT_EQ(std::system(("exec 2>/dev/null; " + commands).c_str()), 0) << said("Other");
+    EXPECT_TRUE(said("Killed").empty()) << "it was done before";
+    EXPECT_TRUE(said("Other") == "stored 300, printed 15\r\n" || said("Other") == "stored 299, printed 15\r\n") << said("Other");
+    expectWholeConfiguration();
+    expectGoodJobs(16);
+    EXPECT_LE(files(".tsa").size(), 1U) << "at most the one that was being written";
+    ASSERT_EQ(std::system(process("Next", 3, 3).c_str()), 0);
+    EXPECT_EQ(said("Next"), "stored 3, printed 3\r\n") << "no lock is left behind";
+}
+
+}  // namespace
