@@ -2,32 +2,10 @@
 // The same numbers hold on both hosts.
 #include <gtest/gtest.h>
 
-#include <cstddef>
-
 #include "platform/platform.h"
+#include "support/Layout.h"
 
-namespace {
-
-struct Member {
-    const char* name;
-    std::size_t offset;
-    std::size_t size;
-    std::size_t expectedOffset;
-    std::size_t expectedSize;
-};
-
-void expectLayout(const char* record, std::size_t size, std::size_t expectedSize, std::initializer_list<Member> members) {
-    EXPECT_EQ(size, expectedSize) << record;
-    for (const Member& member : members) {
-        EXPECT_EQ(member.offset, member.expectedOffset) << "offset of " << record << "::" << member.name;
-        EXPECT_EQ(member.size, member.expectedSize) << "size of " << record << "::" << member.name;
-    }
-}
-
-}  // namespace
-
-#define MEMBER(record, name, offset, size) \
-    Member { #name, offsetof(record, name), sizeof(record::name), offset, size }
+using morvil::test::expectLayout;
 
 TEST(Layout, GDIINFO) {
     expectLayout("GDIINFO", sizeof(GDIINFO), 320,
