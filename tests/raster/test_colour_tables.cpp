@@ -170,6 +170,13 @@ TEST_F(ProcessColours, cut_file_gives_the_default_table) {
     }
 }
 
+TEST_F(ProcessColours, file_of_another_encoding) {
+    writeIni(test::asUtf16File(counted("4", 4)));
+    build();
+    EXPECT_EQ(m_table.entries()[3], 0x030204U);
+    EXPECT_EQ(m_workspace.logLines(), (std::vector<std::string>{"ColorTable validated, Count=4", "Add last color second time"}));
+}
+
 TEST_F(ProcessColours, odd_count_is_taken_without_a_duplicate) {
     writeIni("[ProcessColor]\r\nProcessColorCount=3\r\n" + item(1, "1", "2", "3") + item(2, "255", "0", "128") + item(3, "0", "0", "0"));
     build();
