@@ -11,12 +11,18 @@ namespace {
 constexpr std::int32_t kMostPolygons = 1'000'000;
 constexpr std::int32_t kMostPoints = 10'000'000;
 
+std::nullopt_t reportFailure(const char* function) {
+    logMorvil(1, kError, TEXT("MvTracer.dll %s failed"), fromUtf8(function), kLogEnd);
+    return std::nullopt;
+}
+
 }  // namespace
 
 template <typename Function>
 Function TracerLibrary::find(const char* name) const {
-    if (m_library == nullptr) return nullptr;
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(m_library, name)));
+    const auto function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(m_library, name)));
+    if (function == nullptr) logMorvil(1, kError, TEXT("MvTracer.dll has no %s"), fromUtf8(name), kLogEnd);
+    return function;
 }
 
 TracerLibrary::TracerLibrary(const WCHAR* folder) : m_library(LoadLibraryW(format(TEXT("%s\\MvTracer"), folder).c_str())) {
@@ -41,7 +47,8 @@ bool TracerLibrary::isUsable() const {
 
 std::optional<std::int32_t> TracerLibrary::trace(const WCHAR* picture) {
     std::int32_t count = 0;
-    if (m_trace(picture) == FALSE || m_cntPolygons(&count) == FALSE) return std::nullopt;
+    if (m_trace(picture) == FALSE) return reportFailure("Trace");
+    if (m_cntPolygons(&count) == FALSE) return reportFailure("GetCntPolygons");
     if (count >= 0 && count <= kMostPolygons) return count;
     logMorvil(1, kError, TEXT("MvTracer.dll reports %d polygons"), count, kLogEnd);
     return std::nullopt;
@@ -49,7 +56,7 @@ std::optional<std::int32_t> TracerLibrary::trace(const WCHAR* picture) {
 
 std::optional<TracerLibrary::Outline> TracerLibrary::outline(std::int32_t index) {
     std::int32_t count = 0;
-    if (m_cntPoints(index, &count) == FALSE) return std::nullopt;
+    if (m_cntPoints(index, &count) == FALSE) return reportFailure("GetCntPoints");
     if (count < 0 || count > kMostPoints) {
         logMorvil(1, kError, TEXT("MvTracer.dll reports %d points in polygon %d"), count, index, kLogEnd);
         return std::nullopt;
@@ -60,7 +67,7 @@ std::optional<TracerLibrary::Outline> TracerLibrary::outline(std::int32_t index)
         logMorvil(1, kError, TEXT("MvTracer.dll, no memory for %d points"), count, kLogEnd);
         return std::nullopt;
     }
-    if (m_points(index, outline.xs.get(), outline.ys.get()) == FALSE) return std::nullopt;
+    if (m_points(index, outline.xs.get(), outline.ys.get()) == FALSE) return reportFailure("GetPoints");
     return outline;
 }
 

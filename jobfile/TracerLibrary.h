@@ -1,6 +1,6 @@
 // TracerLibrary.h - the partner programs' library that finds the outlines of a picture. Loaded for one page and freed with this
 // object, so that it can be replaced while applications print. Its answers are not trusted: counts that no picture can have are
-// refused before anything is reserved for them.
+// refused before anything is reserved for them. Whatever is missing or fails is logged.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,7 @@ class TracerLibrary {
     using GetPoints = BOOL (*)(std::int32_t index, std::int32_t* xs, std::int32_t* ys);
 
     template <typename Function>
-    Function find(const char* name) const;
+    Function find(const char* name) const;  // of the library, which is loaded
 
     HMODULE m_library;
     Trace m_trace = nullptr;

@@ -98,6 +98,7 @@ TEST_F(JobTracing, a_library_without_the_functions_is_unloaded) {
     const auto writer = begin(1);
     EXPECT_FALSE(trace(*writer, kPage));
     EXPECT_TRUE(logged("MvTracer.dll loaded"));
+    EXPECT_EQ(messagesFrom("!!! "), Strings{"!!! MvTracer.dll has no GetPoints"});
     EXPECT_EQ(messagesFrom("Get polygon").size(), 0U);
     EXPECT_EQ(outstanding().libraries, 0U);
 }
@@ -145,8 +146,10 @@ TEST_F(JobTracing, functions_that_fail_give_no_polygons) {
              {"Trace", false}, {"GetCntPolygons", false}, {"GetCntPoints", true}, {"GetPoints", true}}) {
         answer(("2 3 " + function).c_str());
         const auto writer = begin(1);
+        clearLog();
         EXPECT_EQ(trace(*writer, kPage), result) << function;
         EXPECT_EQ(commandsOf(bytesOf(*writer)), "") << function;
+        EXPECT_EQ(messagesFrom("!!! "), Strings(result ? 2 : 1, "!!! MvTracer.dll " + function + " failed"));
     }
 }
 
