@@ -64,8 +64,12 @@ bool CSpoolFile::Complete() {
 }
 
 void CSpoolFile::completeBorder() {
-    FileStream file;
-    if (m->state != JobState::Unfinished || !m->hasBitmapSection() || !file.open(m->jobFile.c_str(), OpenMode::Update)) return;
+    if (m->state != JobState::Unfinished || !m->hasBitmapSection()) return;
+    FileStream file(m->jobFile.c_str(), OpenMode::Update);
+    if (!file.isOpen()) {
+        logMorvil(1, kError, TEXT("ErrorMsg=%s"), TEXT("job file cannot be opened"), kLogEnd);
+        return;
+    }
     const LentStream lent(m->bitmap, file);
     BorderCompletion border(m->bitmap);
     try {

@@ -143,6 +143,18 @@ TEST_F(JobBorder, a_file_that_was_cut_is_logged_and_not_given_away) {
     EXPECT_EQ(spoolFiles(), Strings{});
 }
 
+TEST_F(JobBorder, a_file_that_cannot_be_opened_is_logged_and_given_away_as_it_is) {
+    setPage(kModeColourStamp, 3, 3);
+    const auto writer = begin(1);
+    const std::string rows = storedRows({"\x05\x05\x05", "\x05\x04\x05", "\x05\x05\x05"});
+    sendPage(*writer, rows);
+    SetFileAttributesW(writer->jobFilePath(), FILE_ATTRIBUTE_READONLY);
+    clearLog();
+    writer->Complete();
+    EXPECT_EQ(messages(), (Strings{"SpoolFile ProcessMode=ColorStamp", "!!! ErrorMsg=job file cannot be opened"}));
+    EXPECT_EQ(imageOf(finished(*writer)).pixels, rows);
+}
+
 TEST_F(JobBorder, a_failed_read_leaves_the_border_open) {
     setPage(kModeColourStamp, 3, 3);
     const auto writer = begin(1);
