@@ -1,3 +1,4 @@
+// Pages in bands: where each band goes, when the page is over, and what the next band starts with.
 #include "driver/DriverFixture.h"
 #include "driver/page_storage.h"
 

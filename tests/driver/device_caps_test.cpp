@@ -1,3 +1,4 @@
+// Capabilities of an instance: the page by paper and template, both capability records, palettes, and what the ini file overrides.
 #include "driver/device_caps.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Begin and end of a document: naming, the printing application, impersonation, the job writer's life.
 #include "config/CMvConfig.h"
 #include "driver/DriverFixture.h"
 #include "driver/job_writer.h"

@@ -1,3 +1,4 @@
+// Loading and enabling the driver: versions, sizes, the function table; and exceptions, which never leave an entry point.
 #include <new>
 
 #include "driver/DriverFixture.h"

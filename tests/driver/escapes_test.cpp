@@ -1,3 +1,4 @@
+// Escapes: codes, sizes and contents, and the configurations that they load and probe.
 #include "driver/DriverFixture.h"
 
 namespace morvil::test {

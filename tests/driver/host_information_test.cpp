@@ -1,3 +1,4 @@
+// What the driver finds out about the system, the printer and the process that prints.
 #include "driver/host_information.h"
 
 #include "driver/DriverFixture.h"

@@ -1,3 +1,4 @@
+// Device instances: made from a device mode, completed, reset and given back; what is no instance.
 #include "driver/DriverFixture.h"
 #include "driver/device_caps.h"
 #include "platform/posix/HostState.h"

@@ -1,3 +1,4 @@
+// A whole page: its sections, background, storing and completion, and the preview that makes no job.
 #include <numeric>
 
 #include "config/CMvConfig.h"

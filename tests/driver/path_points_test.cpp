@@ -1,3 +1,4 @@
+// Points of paths: counted and copied from the engine's enumeration, figure by figure.
 #include "driver/path_points.h"
 
 #include "driver/DriverFixture.h"

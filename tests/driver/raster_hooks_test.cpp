@@ -1,3 +1,4 @@
+// Fills, block transfers, copies, stretches and text: what is logged and what the engine gets.
 #include "driver/DriverFixture.h"
 #include "driver/stretch_mode.h"
 

@@ -1,3 +1,4 @@
+// Strokes: polygons, curves and arcs in the job file, line attributes in the log, and the path recorder.
 #include <cstring>
 #include <filesystem>
 

@@ -1,3 +1,4 @@
+// The page surface: format, size and flags by mode, smaller bands where memory is short, and its end.
 #include "driver/surface.h"
 
 #include "driver/DriverFixture.h"
