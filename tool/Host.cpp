@@ -28,6 +28,7 @@ void useApplication(const std::string& name) {
 
 void useSpoolFolder(const std::string& folder) {
     const WString ini = CMvConfig().jobApplicationIni();
+    std::erase_if(hostState().profileOverrides, [](const ProfileOverride& before) { return before.key == WStringView(TEXT("SpoolPath")); });
     hostState().profileOverrides.push_back({.file = ini, .section = TEXT("UserSetup"), .key = TEXT("SpoolPath"), .value = windowsPath(folder)});
 }
 

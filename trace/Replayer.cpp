@@ -76,10 +76,12 @@ class Player {
     Player(const Recording& recording, ReplayEngine& engine, const DRVENABLEDATA& data) : m_recording(recording), m_engine(engine) {
         for (ULONG i = 0; i < data.c; ++i) m_functions[data.pdrvfn[i].iFunc] = data.pdrvfn[i].pfn;
     }
+    // What a recording that stopped half-way has left open.
     ~Player() {
-        for (const Instance& instance : m_instances) {
-            if (instance.device != nullptr) m_engine.closeDevice(instance.device);
-            if (instance.printer != nullptr) ClosePrinter(instance.printer);
+        for (Instance& instance : m_instances) {
+            if (instance.page != nullptr) disable(INDEX_DrvDisableSurface, instance);
+            if (instance.handle != nullptr) disable(INDEX_DrvDisablePDEV, instance);
+            close(instance);
         }
     }
     Player(const Player&) = delete;
@@ -96,9 +98,17 @@ class Player {
         using Function = typename ResultOf<Result>::Type(APIENTRY*)(Arguments...);
         return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(found->second))(arguments...);
     }
+    void disable(ULONG function, const Instance& instance) const {
+        const auto found = m_functions.find(function);
+        if (found != m_functions.end()) reinterpret_cast<void(APIENTRY*)(DHPDEV)>(reinterpret_cast<void (*)()>(found->second))(instance.handle);
+    }
+    void close(Instance& instance) {
+        if (instance.device != nullptr) m_engine.closeDevice(instance.device);
+        if (instance.printer != nullptr) ClosePrinter(instance.printer);
+        instance = {};
+    }
     std::int64_t enablePDEV(const Event& event);
     std::int64_t enableSurface(const Event& event);
-    void forget(const Event& event);
     std::int64_t document(const Event& event);
     std::int64_t drawing(const Event& event);
     std::int64_t transfer(const Event& event);
@@ -146,8 +156,7 @@ std::int64_t Player::enablePDEV(const Event& event) {
     made.handle = call(event, DHPDEV{}, devmode.empty() ? nullptr : reinterpret_cast<DEVMODEW*>(devmode.data()), logAddress.get(), kPatterns, patterns.data(),
                        static_cast<ULONG>(sizeof(caps)), reinterpret_cast<ULONG*>(&caps), static_cast<ULONG>(sizeof(info)), &info, made.device, name.get(), made.printer);
     if (made.handle == nullptr) {
-        m_engine.closeDevice(made.device);
-        if (made.printer != nullptr) ClosePrinter(made.printer);
+        close(made);
         return 0;
     }
     m_engine.deviceReady(made.device, caps, info);
@@ -162,13 +171,6 @@ std::int64_t Player::enableSurface(const Event& event) {
     owner.page = m_engine.pageSurface(surface, owner.handle);
     m_page = owner.page;
     return 1;
-}
-
-void Player::forget(const Event& event) {
-    Instance& gone = instance(event, 0);
-    m_engine.closeDevice(gone.device);
-    if (gone.printer != nullptr) ClosePrinter(gone.printer);
-    gone = {};
 }
 
 void Player::putBits(const Event& event) {
@@ -249,10 +251,13 @@ std::int64_t Player::play(const Event& event) {
         case INDEX_DrvEnableSurface: return enableSurface(event);
         case INDEX_DrvCompletePDEV: call(event, NoResult{}, instance(event, 0).handle, instance(event, 0).device); return 0;
         case INDEX_DrvResetPDEV: return call(event, BOOL{}, instance(event, 0).handle, instance(event, 1).handle);
-        case INDEX_DrvDisableSurface: call(event, NoResult{}, instance(event, 0).handle); return 0;
+        case INDEX_DrvDisableSurface:
+            call(event, NoResult{}, instance(event, 0).handle);
+            instance(event, 0).page = nullptr;
+            return 0;
         case INDEX_DrvDisablePDEV:
             call(event, NoResult{}, instance(event, 0).handle);
-            forget(event);
+            close(instance(event, 0));
             return 0;
         case INDEX_DrvDisableDriver: call(event, NoResult{}); return 0;
         case INDEX_DrvGetGlyphMode: return call(event, ULONG{}, instance(event, 0).handle, static_cast<FONTOBJ*>(nullptr));
