@@ -1,6 +1,6 @@
 #include "host/HostEngine.h"
 
-#include <cstdlib>
+#include "trace/Objects.h"
 
 namespace morvil::host {
 
@@ -150,8 +150,7 @@ PATHOBJ* HostEngine::path(const std::optional<trace::PathArgument>& path) {
 BRUSHOBJ* HostEngine::brush(const std::optional<trace::BrushArgument>& brush, std::size_t place) {
     if (!brush) return nullptr;
     HostBrush& made = m_brushes.at(place);
-    made.iSolidColor = brush->solidColour;
-    made.flColorType = brush->colourType;
+    trace::restore(made, *brush);
     made.rgb = brush->rgb;
     return &made;
 }
@@ -159,23 +158,14 @@ BRUSHOBJ* HostEngine::brush(const std::optional<trace::BrushArgument>& brush, st
 CLIPOBJ* HostEngine::clip(const std::optional<trace::ClipArgument>& clip) {
     if (!clip) return nullptr;
     m_clip = {};
-    m_clip.rclBounds = clip->bounds;
-    m_clip.iDComplexity = clip->kinds[0];
-    m_clip.iFComplexity = clip->kinds[1];
-    m_clip.iMode = clip->kinds[2];
-    m_clip.fjOptions = clip->kinds[3];
+    trace::restore(m_clip, *clip);
     return &m_clip;
 }
 
 XLATEOBJ* HostEngine::translation(const std::optional<trace::TranslationArgument>& translation) {
     if (!translation) return nullptr;
-    m_translation.flXlate = translation->flags;
-    m_translation.iSrcType = static_cast<USHORT>(translation->sourceType);
-    m_translation.iDstType = static_cast<USHORT>(translation->targetType);
-    m_translation.table = translation->table;
+    trace::restore(m_translation, *translation, m_translation.table);
     m_translation.sourcePalette = translation->sourcePalette;
-    m_translation.cEntries = static_cast<ULONG>(m_translation.table.size());
-    m_translation.pulXlate = m_translation.table.empty() ? nullptr : m_translation.table.data();
     return &m_translation;
 }
 

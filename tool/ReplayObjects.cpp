@@ -3,6 +3,7 @@
 #include "engine/EngineState.h"
 #include "engine/Pixels.h"
 #include "engine/pixels/MakeSurface.h"
+#include "trace/Objects.h"
 
 namespace morvil::tool {
 
@@ -59,8 +60,7 @@ BRUSHOBJ* ReplayObjects::brush(const std::optional<trace::BrushArgument>& brush,
     if (!brush) return nullptr;
     engine::EngineBrush& made = m_brushes.at(place);
     made = {};
-    made.iSolidColor = brush->solidColour;
-    made.flColorType = brush->colourType;
+    trace::restore(made, *brush);
     made.solid = brush->rgb != 0xFFFFFFFF;
     made.rgb = brush->rgb;
     if (brush->solidColour == 0xFFFFFFFF) {  // a pattern; what it looks like does not matter here
@@ -74,11 +74,7 @@ BRUSHOBJ* ReplayObjects::brush(const std::optional<trace::BrushArgument>& brush,
 CLIPOBJ* ReplayObjects::clip(const std::optional<trace::ClipArgument>& clip) {
     if (!clip) return nullptr;
     m_clip = {};
-    m_clip.rclBounds = clip->bounds;
-    m_clip.iDComplexity = clip->kinds[0];
-    m_clip.iFComplexity = clip->kinds[1];
-    m_clip.iMode = clip->kinds[2];
-    m_clip.fjOptions = clip->kinds[3];
+    trace::restore(m_clip, *clip);
     m_clip.region = engine::Region(clip->bounds);
     return &m_clip;
 }
@@ -86,12 +82,7 @@ CLIPOBJ* ReplayObjects::clip(const std::optional<trace::ClipArgument>& clip) {
 XLATEOBJ* ReplayObjects::translation(const std::optional<trace::TranslationArgument>& translation) {
     if (!translation) return nullptr;
     m_translation = engine::EngineXlate();
-    m_translation.flXlate = translation->flags;
-    m_translation.iSrcType = static_cast<USHORT>(translation->sourceType);
-    m_translation.iDstType = static_cast<USHORT>(translation->targetType);
-    m_translation.table = translation->table;
-    m_translation.cEntries = static_cast<ULONG>(m_translation.table.size());
-    m_translation.pulXlate = m_translation.table.empty() ? nullptr : m_translation.table.data();
+    trace::restore(m_translation, *translation, m_translation.table);
     m_translation.sourcePalette = translation->sourcePalette;
     return &m_translation;
 }
