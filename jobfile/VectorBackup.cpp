@@ -11,6 +11,7 @@ namespace morvil {
 namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
+constexpr int kTries = 16;
 
 bool reportFailure() {
     logMorvil(1, kError, TEXT("SpoolFile Error BackUpPolygon"), kLogEnd);
@@ -36,17 +37,21 @@ WString withProcessNumber(const WString& path) {
 
 }  // namespace
 
+// The file that another process had there may be gone again before it is looked at: then the name is free for the next try.
 bool VectorBackup::create(FileStream& file, const WString& preferredPath) {
     remove();
-    if (file.open(preferredPath.c_str(), OpenMode::CreateNew)) {
-        m_path = preferredPath;
+    for (int i = 0; i < kTries; ++i) {
+        if (file.open(preferredPath.c_str(), OpenMode::CreateNew)) {
+            m_path = preferredPath;
+            return true;
+        }
+        if (!fileExists(preferredPath.c_str())) continue;
+        const WString own = withProcessNumber(preferredPath);
+        if (!file.open(own.c_str(), OpenMode::Create)) return false;
+        m_path = own;
         return true;
     }
-    if (!fileExists(preferredPath.c_str())) return false;
-    const WString own = withProcessNumber(preferredPath);
-    if (!file.open(own.c_str(), OpenMode::Create)) return false;
-    m_path = own;
-    return true;
+    return false;
 }
 
 bool VectorBackup::save(FileStream& job, std::int64_t start, const WString& preferredPath) {

@@ -1,4 +1,6 @@
 // The colour group of colour stamps: its lines, its place in the file, and which entries of the colour lists it names.
+#include <cerrno>
+
 #include "config/CMvConfig.h"
 #include "jobfile/PageJob.h"
 #include "platform/posix/PlatformCalls.h"
@@ -191,6 +193,30 @@ TEST_F(MciColours, each_call_that_fails_leaves_a_whole_job_or_none) {
             }
         }
     }
+}
+
+// Another process' copy is there when ours is made, and gone when we look for it.
+TEST_F(MciColours, a_copy_of_the_vectors_that_comes_and_goes_costs_no_job) {
+    const auto writer = begin(3);
+    polygon(*writer, {1}, {1});
+    {
+        static int left;
+        left = 3;
+        const PlatformCalls before = platformCalls();
+        static decltype(PlatformCalls::open) openFile;
+        openFile = before.open;
+        platformCalls().open = [](const char* path, int flags, unsigned mode) {
+            if (!std::string_view(path).ends_with("BackUp_Polygon.dat") || left-- <= 0) return openFile(path, flags, mode);
+            errno = EEXIST;
+            return -1;
+        };
+        sendPage(*writer, std::string(8, '\0'));
+        platformCalls() = before;
+    }
+    EXPECT_EQ(messagesFrom("!!! "), Strings{});
+    writer->Complete();
+    EXPECT_EQ(commandsOf(finished(*writer)), "<DrawPolygon: 1;255;0;0;1;1>");
+    EXPECT_EQ(spoolFiles(), Strings{"Plan.tsf"});
 }
 
 TEST_F(MciColours, without_a_backup_of_the_vectors_the_job_is_not_given_away) {
