@@ -98,7 +98,7 @@ void adjust(const LockedSurface& locked, const SURFOBJ& surface, BitmapInfoBlock
     if (!pair) return;
     const SIZEL size = locked.get().sizlBitmap;
     SetStretchBltMode(pair.destination(), HALFTONE);
-    SetColorAdjustment(pair.destination(), &adjustment);
+    if (SetColorAdjustment(pair.destination(), &adjustment) == FALSE) logMorvil(1, kError, TEXT("doColorAdjustment Error SetColorAdjustment"), kLogEnd);
     if (StretchBlt(pair.destination(), 0, 0, size.cx, size.cy, pair.source(), 0, 0, size.cx, size.cy, SRCCOPY) == FALSE) {
         logMorvil(1, kError, TEXT("doColorAdjustment Error StretchBlt"), kLogEnd);
         return;

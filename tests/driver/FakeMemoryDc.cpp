@@ -103,6 +103,7 @@ BOOL DeleteObject(HGDIOBJ object) {
 int SetStretchBltMode(HDC dc, int mode) { return std::exchange(fakeMemoryDc().contexts.at(dc).mode, mode); }
 
 BOOL SetColorAdjustment(HDC dc, const COLORADJUSTMENT* adjustment) {
+    if (fakeMemoryDc().refuses("SetColorAdjustment")) return FALSE;
     fakeMemoryDc().contexts.at(dc).adjustment = *adjustment;
     return TRUE;
 }

@@ -143,6 +143,15 @@ TEST_F(ImageOperations, a_lack_of_memory_is_logged_and_changes_nothing) {
     EXPECT_THAT(linesWithout(3, flip), ElementsAre("doFlipHorizontal", "!!! doFlipHorizontal, no memory for 8000 bytes", "doFlipHorizontal finished"));
 }
 
+// The transfer goes on with the context's own adjustment, which is none.
+TEST_F(ImageOperations, a_refused_adjustment_is_logged) {
+    contexts.failingCall = "SetColorAdjustment";
+    contexts.failingNumber = 1;
+    doColorAdjustment(*pso, adjustment);
+    EXPECT_THAT(lines(), Contains("!!! doColorAdjustment Error SetColorAdjustment"));
+    EXPECT_EQ(lines().back(), "doColorAdjustment finished");
+}
+
 TEST_F(ImageOperations, the_adjusted_bits_stand_in_the_surface) {
     EXPECT_EQ(doColorAdjustment(*pso, adjustment), 0);
     EXPECT_EQ(bits(), inverted());
