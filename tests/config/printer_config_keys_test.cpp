@@ -379,7 +379,7 @@ TEST_F(PrinterConfigKeys, sizeTemplates_areReadWithTheReaderOfTheProcess) {
 }
 
 TEST(PixelsOf, roundsUpAndRefusesSizesWithoutAPage) {
-    static constexpr struct {
+    static const struct {
         float millimetres;
         WORD dpi;
         WORD expected;

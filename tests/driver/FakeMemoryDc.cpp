@@ -4,6 +4,7 @@
 #include <cstring>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "driver/FakeEngine.h"
 
