@@ -10,11 +10,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <pugixml.hpp>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "config/CPrinterConfig.h"
@@ -43,6 +45,7 @@ class BenchHome {
         if (storedConfigurations > 0) config.setConfig(TEXT("Material_0"), defaults);
         config.setConfig(TEXT(""), defaults);
         if (storedConfigurations > 1) multiply(storedConfigurations);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));  // a load finds files that somebody wrote some time ago
     }
     ~BenchHome() {
         resetHostState();

@@ -31,6 +31,13 @@ void provideFolder(const Path& path) {
     if (path[0] != 0 && !folderExists(path.data())) CMvFsServices().createDirectory(path.data());
 }
 
+// The same for a folder and one inside it: who finds the inner one has found both.
+void provideFolders(const Path& outer, const Path& inner) {
+    if (inner[0] != 0 && folderExists(inner.data())) return;
+    provideFolder(outer);
+    provideFolder(inner);
+}
+
 Path readPath(const Path& ini, const WCHAR* section, const WCHAR* key, const WCHAR* missing = TEXT("")) {
     Path value{};
     if (ini[0] == 0) return value;
@@ -97,10 +104,10 @@ void CMvConfig::buildPathCommon() {
     m_mainIni = joined(m_dataRoot, TEXT("\\morvil.ini"));
     m_debugIni = joined(m_dataRoot, TEXT("\\mvDebug.ini"));
     m_diagnosticsFile = joined(m_commonFiles, TEXT("\\Diagnostics.xml"));
-    m_programCommonFiles = joined(systemFolder(CSIDL_PROGRAM_FILES), TEXT("\\Morvil\\Common Files"));
+    m_programs = joined(systemFolder(CSIDL_PROGRAM_FILES), TEXT("\\Morvil"));
+    m_programCommonFiles = joined(m_programs, TEXT("\\Common Files"));
     logState().baseFolder = dataRoot();
-    provideFolder(m_dataRoot);
-    provideFolder(m_commonFiles);
+    provideFolders(m_dataRoot, m_commonFiles);
     if (!fileExists(m_mainIni.data())) createDefaultMorvilConfig(m_mainIni);
 }
 
@@ -130,13 +137,11 @@ void CMvConfig::buildPathDriver() {
     m_driverDataFolder = joined(m_dataRoot, TEXT("\\PrinterDriver"));
     const Path version = readPath(m_mainIni, TEXT("PrinterDriver"), TEXT("actVersion"));
     m_driverVersionFolder = version[0] == 0 ? m_driverDataFolder : joined(m_driverDataFolder, TEXT("\\"), version.data());
-    const Path programs = joined(systemFolder(CSIDL_PROGRAM_FILES), TEXT("\\Morvil"));
-    m_driverProgramFolder = joined(programs, TEXT("\\PrinterDriver"));
+    m_driverProgramFolder = joined(m_programs, TEXT("\\PrinterDriver"));
     logState().folder = driverDataFolder();
     provideFolder(m_driverDataFolder);
     provideFolder(m_driverVersionFolder);
-    provideFolder(programs);
-    provideFolder(m_driverProgramFolder);
+    provideFolders(m_programs, m_driverProgramFolder);
     m_configurationFile = joined(m_driverDataFolder, TEXT("\\PrinterDriver.xml"));
     if (m_spoolFolder[0] == 0 || !folderExists(m_spoolFolder.data())) copyText(m_spoolFolder, fallbackSpoolFolder());
 }

@@ -46,6 +46,7 @@ class CMvConfig {
     Path m_commonFiles{};
     Path m_mainIni{};
     Path m_debugIni{};
+    Path m_programs{};
     Path m_programCommonFiles{};
     Path m_jobApplicationFolder{};
     Path m_jobApplicationIni{};

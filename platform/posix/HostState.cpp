@@ -82,6 +82,7 @@ void resetHostState() {
     for (const HandleEntry& entry : state.handles.takeAll()) {
         if (entry.kind == HandleKind::File) ::close(entry.file);
     }
+    state.profiles.clear();
     const HostState fresh;
     const std::lock_guard guard(state.lock);
     state.home = fresh.home;

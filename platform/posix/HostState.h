@@ -16,6 +16,7 @@
 
 #include "platform/common/Text.h"
 #include "platform/posix/HandleTable.h"
+#include "platform/posix/ProfileCache.h"
 
 namespace morvil {
 
@@ -91,6 +92,7 @@ struct HostState {
     std::map<std::string, DWORD, std::less<>> refusals;
 
     HandleTable handles;
+    ProfileCache profiles;
     std::atomic<std::size_t> blocks = 0;  // taken with LocalAlloc and not freed
 
     std::mutex lock;                                           // guards what follows

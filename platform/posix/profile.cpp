@@ -1,4 +1,5 @@
-// profile.cpp - private profile (ini) files. Promises: each read sees what is on disk now; a write replaces the whole file in
+// profile.cpp - private profile (ini) files. Promises: each read sees what is on disk now, but a file that is as it was is not
+// read again for its next key (ProfileCache.h); readers need no lock; a write replaces the whole file in
 // one step (written beside, flushed, renamed) under a lock that all processes respect, so a reader sees the old or the new
 // text and two writers do not lose each other's keys; a new file holds Latin-1 text, an existing one keeps its encoding.
 // Refuses: the system's own profile (a file without a path is a file of the current folder), keys or values with line ends
@@ -7,7 +8,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -17,6 +20,7 @@
 #include "platform/posix/HostState.h"
 #include "platform/posix/LockFile.h"
 #include "platform/posix/PlatformCalls.h"
+#include "platform/posix/ProfileCache.h"
 #include "platform/posix/ProfileText.h"
 
 using namespace morvil;
@@ -40,15 +44,13 @@ class Descriptor {
     int m_file;
 };
 
-// Reads the whole file. False with the last error set.
-bool readBytes(const char* path, std::string& bytes, std::optional<mode_t>& mode) {
+// Reads the whole file, and what the system says of it. False with the last error set.
+bool readBytes(const char* path, std::string& bytes, struct stat& status) {
     const Descriptor file(platformCalls().open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0));
     if (file.get() < 0) return failForPath(path) != FALSE;
-    struct stat status {};
     if (::fstat(file.get(), &status) != 0) return failWithErrno() != FALSE;
     if (!S_ISREG(status.st_mode)) return failWith(ERROR_ACCESS_DENIED) != FALSE;
     if (status.st_size > kMaxBytes) return failWith(ERROR_NOT_ENOUGH_MEMORY) != FALSE;
-    mode = status.st_mode & 07777;
     bytes.resize(static_cast<std::size_t>(status.st_size));
     std::size_t total = 0;
     while (total < bytes.size()) {
@@ -61,13 +63,19 @@ bool readBytes(const char* path, std::string& bytes, std::optional<mode_t>& mode
     return true;
 }
 
-bool readProfile(LPCWSTR file, ProfileText& profile) {
+// The text of the file as it is now; null when it cannot be read.
+ProfileCache::Text readProfile(LPCWSTR file) {
     HostPath path;
+    if (!path.assign(file)) return nullptr;
+    ProfileCache& cache = hostState().profiles;
+    if (ProfileCache::Text known = cache.find(path.view())) return known;
     std::string bytes;
-    std::optional<mode_t> mode;
-    if (!path.assign(file) || !readBytes(path.c_str(), bytes, mode)) return false;
-    profile = decodeProfile(bytes);
-    return true;
+    struct stat status {};
+    const auto moment = std::chrono::system_clock::now();
+    if (!readBytes(path.c_str(), bytes, status)) return nullptr;
+    auto text = std::make_shared<const ProfileText>(decodeProfile(bytes));
+    cache.keep(path.view(), FileStamp(status), moment, text);
+    return text;
 }
 
 bool writeAll(int file, std::string_view bytes) {
@@ -174,21 +182,20 @@ const WString* overriddenValue(LPCWSTR section, LPCWSTR key, LPCWSTR file) {
 DWORD GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR defaultValue, LPWSTR out, DWORD outCharacters, LPCWSTR file) {
     if (out == nullptr || outCharacters == 0) return 0;
     if (const WString* const fixed = overriddenValue(section, key, file)) return copyOut(out, outCharacters, *fixed);
-    ProfileText profile;
-    const bool read = readProfile(file, profile);
-    if (read && section == nullptr) return copyList(out, outCharacters, profileSections(profile.text));
-    if (read && key == nullptr) return copyList(out, outCharacters, profileKeys(profile.text, section));
-    const auto value = read ? findProfileValue(profile.text, section, key) : std::nullopt;
+    const ProfileCache::Text profile = readProfile(file);
+    if (profile && section == nullptr) return copyList(out, outCharacters, profileSections(profile->text));
+    if (profile && key == nullptr) return copyList(out, outCharacters, profileKeys(profile->text, section));
+    const auto value = profile ? findProfileValue(profile->text, section, key) : std::nullopt;
     if (value) return copyOut(out, outCharacters, *value);
-    if (read) SetLastError(ERROR_FILE_NOT_FOUND);  // the platform's answer for a missing key as well
+    if (profile) SetLastError(ERROR_FILE_NOT_FOUND);  // the platform's answer for a missing key as well
     return copyOut(out, outCharacters, withoutTrailingBlanks(viewOf(defaultValue)));
 }
 
 UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT defaultValue, LPCWSTR file) {
     if (const WString* const fixed = overriddenValue(section, key, file)) return numberOf(*fixed);
-    ProfileText profile;
-    if (section == nullptr || key == nullptr || !readProfile(file, profile)) return static_cast<UINT>(defaultValue);
-    const auto value = findProfileValue(profile.text, section, key);
+    if (section == nullptr || key == nullptr) return static_cast<UINT>(defaultValue);
+    const ProfileCache::Text profile = readProfile(file);
+    const auto value = profile ? findProfileValue(profile->text, section, key) : std::nullopt;
     return value && !value->empty() ? numberOf(*value) : static_cast<UINT>(defaultValue);
 }
 
@@ -200,9 +207,10 @@ BOOL WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPC
     if (!lock.held()) return FALSE;
 
     std::string bytes;
-    std::optional<mode_t> mode;
-    const bool existed = readBytes(path.c_str(), bytes, mode);
+    struct stat status {};
+    const bool existed = readBytes(path.c_str(), bytes, status);
     if (!existed && GetLastError() != ERROR_FILE_NOT_FOUND) return FALSE;
+    const auto mode = existed ? std::optional<mode_t>(status.st_mode & 07777) : std::nullopt;
     if (mode && (*mode & 0222) == 0) return failWith(ERROR_ACCESS_DENIED);
     ProfileText profile = decodeProfile(bytes);
     const WString before = profile.text;

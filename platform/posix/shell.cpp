@@ -6,6 +6,7 @@
 #include "platform/posix/Errors.h"
 #include "platform/posix/HostPath.h"
 #include "platform/posix/HostState.h"
+#include "platform/posix/PlatformCalls.h"
 
 using namespace morvil;
 
@@ -21,6 +22,13 @@ WStringView folderOf(int folder) {
     }
 }
 
+// Usually it is there, and asking is cheaper than making.
+bool provideFolder(const HostPath& path) {
+    struct stat status {};
+    if (platformCalls().status(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return true;
+    return makeFolders(std::string(path.view()));
+}
+
 }  // namespace
 
 HRESULT SHGetFolderPathW(HWND, int folder, HANDLE, DWORD, LPWSTR path) {
@@ -29,8 +37,7 @@ HRESULT SHGetFolderPathW(HWND, int folder, HANDLE, DWORD, LPWSTR path) {
     const WStringView name = folderOf(folder);
     if (name.empty()) return E_INVALIDARG;
     HostPath hostPath;
-    if (refused("SHGetFolderPathW") || !hostPath.assign(name) || !makeFolders(std::string(hostPath.view())))
-        return resultOf(GetLastError());
+    if (refused("SHGetFolderPathW") || !hostPath.assign(name) || !provideFolder(hostPath)) return resultOf(GetLastError());
     copyText({path, MAX_PATH}, name);
     return S_OK;
 }

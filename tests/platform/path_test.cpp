@@ -270,6 +270,8 @@ TEST_F(PathTest, systemFolders_exist) {
     EXPECT_TRUE(exists(TEXT("C:\\Program Files")));
     EXPECT_EQ(SHGetFolderPathW(nullptr, 0x1234, nullptr, SHGFP_TYPE_CURRENT, path.data()), E_INVALIDARG);
     const FailingCalls faults(1, Fault::Persistent, "makeFolder");
+    EXPECT_EQ(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, SHGFP_TYPE_CURRENT, path.data()), S_OK) << "it is there";
+    EXPECT_TRUE(RemoveDirectoryW(TEXT("C:\\Program Files")));
     EXPECT_TRUE(FAILED(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, SHGFP_TYPE_CURRENT, path.data())));
 }
 
