@@ -97,26 +97,28 @@ void parseWithPugixml(const std::vector<std::uint8_t>& bytes) {
     benchmark::DoNotOptimize(document.first_child());
 }
 
-// Processor time of `passes` calls for each of them, the best of several rounds. The clock does not count while others run.
+// Processor time of each of `passes` calls. The clock does not count while others run.
 template <typename Pass>
 double secondsOf(Pass pass, int passes) {
-    double best = 1.0e9;
-    for (int round = 0; round < 10; ++round) {
-        const std::clock_t begin = std::clock();
-        for (int i = 0; i < passes; ++i) pass();
-        best = std::min(best, static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC / passes);
-    }
-    return best;
+    const std::clock_t begin = std::clock();
+    for (int i = 0; i < passes; ++i) pass();
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC / passes;
 }
 
-// Runs `pass` for the benchmark, then a few rounds of it and of pugixml alternately for the ratio of both.
+// Runs `pass` for the benchmark, then rounds of it and of pugixml in turn: the ratio is that of the best round of each, so that
+// what slows the machine down for a while slows both down.
 template <typename Pass>
 void measure(benchmark::State& state, Pass pass) {
+    constexpr int kRounds = 40;
     for (auto _ : state) pass();
     const std::vector<std::uint8_t> bytes = configurationBytes();
-    const int passes = static_cast<int>(std::max<std::size_t>(20, 20'000'000 / (10'000 + bytes.size())));
-    const double own = secondsOf(pass, passes);
-    const double pugixml = secondsOf([&] { parseWithPugixml(bytes); }, passes);
+    const int passes = static_cast<int>(std::max<std::size_t>(10, 5'000'000 / (10'000 + bytes.size())));
+    double own = 1.0e9;
+    double pugixml = 1.0e9;
+    for (int round = 0; round < kRounds; ++round) {
+        own = std::min(own, secondsOf(pass, passes));
+        pugixml = std::min(pugixml, secondsOf([&] { parseWithPugixml(bytes); }, passes));
+    }
     state.counters["file_bytes"] = static_cast<double>(bytes.size());
     state.counters["times_pugixml"] = own / pugixml;
 }

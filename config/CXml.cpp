@@ -1,6 +1,7 @@
 #include "config/CXml.h"
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 #include "config/DebugSwitches.h"
@@ -18,6 +19,12 @@ namespace {
 
 constexpr std::size_t kMostPathCharacters = 260;
 constexpr std::size_t kMostAttributeCharacters = 19;
+
+struct Pair {
+    WStringView name;
+    WStringView value;
+};
+constexpr std::array kDeclaration{Pair{TEXT("version"), TEXT("1.0")}, Pair{TEXT("encoding"), TEXT("UTF-8")}};
 
 // The attribute that a call means: the one it names, or "value" when it names none that can be.
 WStringView attributeName(const WCHAR* attribute) {
@@ -272,8 +279,12 @@ bool CXml::createDefault() {
         XmlNode* const top = fresh->addChild(fresh->root(), XmlType::Element);
         if (declaration == nullptr || top == nullptr) return false;
         declaration->name = WStringView(TEXT("xml"));
-        declaration->attributes.append(*fresh->newAttribute(TEXT("version"), TEXT("1.0")));
-        declaration->attributes.append(*fresh->newAttribute(TEXT("encoding"), TEXT("UTF-8")));
+        for (const auto& [name, value] : kDeclaration) {
+            XmlAttribute* const attribute = fresh->newAttribute(name);
+            if (attribute == nullptr) return false;
+            attribute->value = value;
+            declaration->attributes.append(*attribute);
+        }
         top->name = WStringView(TEXT("PrinterDriver"));
         m->take(std::move(fresh));
         m->store(true);

@@ -51,31 +51,22 @@ const XmlNode* nextSameElement(const XmlNode& node) {
     return nullptr;
 }
 
-XmlDocument::XmlDocument(WString text) : m_text(std::move(text)), m_arena(firstBlock(m_text.size())) { m_root.type = XmlType::Root; }
+XmlDocument::XmlDocument(WString text) : m_text(std::move(text)), m_nextBlock(firstBlock(m_text.size())) { m_root.type = XmlType::Root; }
 
-void* XmlDocument::take(std::size_t bytes, std::size_t alignment) {
+void* XmlDocument::takeFromNewBlock(std::size_t bytes) {
     try {
-        return m_arena.allocate(bytes, alignment);
+        const std::size_t size = std::max(bytes, m_nextBlock);
+        m_blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
+        m_nextBlock += m_nextBlock / 2;
+        m_free = {m_blocks.back().get() + bytes, size - bytes};
+        return m_blocks.back().get();
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
 }
 
-XmlNode* XmlDocument::newNode(XmlType type) {
-    void* const place = take(sizeof(XmlNode), alignof(XmlNode));
-    if (place == nullptr) return nullptr;
-    auto* const node = new (place) XmlNode;
-    node->type = type;
-    return node;
-}
-
-XmlAttribute* XmlDocument::newAttribute(WStringView name, std::optional<WStringView> value) {
-    void* const place = take(sizeof(XmlAttribute), alignof(XmlAttribute));
-    return place == nullptr ? nullptr : new (place) XmlAttribute{name, value, nullptr};
-}
-
 std::span<WCHAR> XmlDocument::room(std::size_t units) {
-    void* const place = take(std::max<std::size_t>(units, 1) * sizeof(WCHAR), alignof(WCHAR));
+    void* const place = take(std::max<std::size_t>(units, 1) * sizeof(WCHAR));
     return place == nullptr ? std::span<WCHAR>() : std::span(static_cast<WCHAR*>(place), units);
 }
 
@@ -86,11 +77,6 @@ std::optional<WStringView> XmlDocument::keep(WStringView text) {
     return WStringView(copy.data(), copy.size());
 }
 
-void XmlDocument::appendChild(XmlNode& node, XmlNode& child) {
-    child.parent = &node;
-    node.children.append(child);
-}
-
 XmlNode* XmlDocument::addChild(XmlNode& node, XmlType type) {
     XmlNode* const child = newNode(type);
     if (child != nullptr) appendChild(node, *child);
@@ -99,7 +85,7 @@ XmlNode* XmlDocument::addChild(XmlNode& node, XmlType type) {
 
 XmlAttribute* XmlDocument::addAttribute(XmlNode& node, WStringView name) {
     const std::optional<WStringView> kept = keep(name);
-    XmlAttribute* const attribute = kept ? newAttribute(*kept, std::nullopt) : nullptr;
+    XmlAttribute* const attribute = kept ? newAttribute(*kept) : nullptr;
     if (attribute != nullptr) node.attributes.append(*attribute);
     return attribute;
 }

@@ -3,7 +3,11 @@
 // lives for one reading or writing pass. One thread at a time.
 #pragma once
 
-#include <memory_resource>
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <span>
+#include <vector>
 
 #include "config/XmlNode.h"
 
@@ -30,19 +34,46 @@ class XmlDocument {
     static bool removeAttribute(XmlNode& node, XmlAttribute& attribute) { return node.attributes.remove(attribute); }
 
     // The parts of the above for the parser, which decides later whether a node joins the tree and whose texts need no copy.
-    XmlNode* newNode(XmlType type);
-    XmlAttribute* newAttribute(WStringView name, std::optional<WStringView> value);
-    static void appendChild(XmlNode& node, XmlNode& child);
+    XmlNode* newNode(XmlType type) {
+        void* const place = take(sizeof(XmlNode));
+        if (place == nullptr) return nullptr;
+        auto* const node = new (place) XmlNode;
+        node->type = type;
+        return node;
+    }
+    // Its value is none at first.
+    XmlAttribute* newAttribute(WStringView name) {
+        void* const place = take(sizeof(XmlAttribute));
+        return place == nullptr ? nullptr : new (place) XmlAttribute{name, std::nullopt, nullptr};
+    }
+    static void appendChild(XmlNode& node, XmlNode& child) {
+        child.parent = &node;
+        node.children.append(child);
+    }
     // A copy that lives as long as the document.
     std::optional<WStringView> keep(WStringView text);
     // Room for `units` characters that live as long as the document; empty when there is no memory.
     std::span<WCHAR> room(std::size_t units);
 
   private:
-    void* take(std::size_t bytes, std::size_t alignment);
+    static constexpr std::size_t kAlignment = 8;
+    static_assert(alignof(XmlNode) <= kAlignment && alignof(XmlAttribute) <= kAlignment);
+
+    // A place that is aligned for every record; null when there is no memory. In sight of the parser, which asks for one for
+    // every few characters that it reads.
+    void* take(std::size_t bytes) {
+        bytes = (bytes + kAlignment - 1) / kAlignment * kAlignment;
+        if (bytes > m_free.size()) return takeFromNewBlock(bytes);
+        void* const place = m_free.data();
+        m_free = m_free.subspan(bytes);
+        return place;
+    }
+    void* takeFromNewBlock(std::size_t bytes);
 
     WString m_text;
-    std::pmr::monotonic_buffer_resource m_arena;
+    std::vector<std::unique_ptr<std::byte[]>> m_blocks;
+    std::span<std::byte> m_free;  // of the last block
+    std::size_t m_nextBlock;      // bytes
     XmlNode m_root;
 };
 

@@ -1,7 +1,6 @@
 #include "config/XmlFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -15,6 +14,14 @@ namespace {
 constexpr std::size_t kPieceBytes = 4095;
 
 bool isUtf16(std::span<const std::uint8_t> piece) { return IsTextUnicode(piece.data(), static_cast<INT>(piece.size()), nullptr) != FALSE; }
+
+// `out` may lie between two characters: behind an odd number of bytes of UTF-16.
+void widen(std::span<const std::uint8_t> piece, std::uint8_t* out) {
+    for (std::size_t i = 0; i < piece.size(); ++i) {
+        const WCHAR unit = piece[i];
+        std::memcpy(out + i * sizeof(unit), &unit, sizeof(unit));
+    }
+}
 
 }  // namespace
 
@@ -33,7 +40,6 @@ bool readFileBytes(const WCHAR* path, std::uint64_t limit, std::vector<std::uint
 WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length) {
     WString text(bytes.size(), WCHAR{0});  // as much as the widest reading needs: two bytes for each
     auto* const out = reinterpret_cast<std::uint8_t*>(text.data());
-    std::array<WCHAR, kPieceBytes> widened;
     length = 0;
     while (!bytes.empty()) {
         const auto piece = bytes.first(std::min(kPieceBytes, bytes.size()));
@@ -42,8 +48,7 @@ WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length
             std::memcpy(out + length, piece.data(), piece.size());
             length += piece.size();
         } else {
-            std::copy(piece.begin(), piece.end(), widened.begin());
-            std::memcpy(out + length, widened.data(), piece.size() * sizeof(WCHAR));
+            widen(piece, out + length);
             length += piece.size() * sizeof(WCHAR);
         }
     }

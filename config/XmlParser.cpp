@@ -51,8 +51,9 @@ class Parser {
     // Reads `text`, a part of the document's text, into children of `top`.
     Parser(XmlDocument& document, WStringView text, XmlNode& top) : m_document(document), m_text(text), m_top(&top), m_current(&top) {}
 
+    // Blanks in front of text or markup make no node.
     void run() {
-        while (m_at < m_text.size()) {
+        for (skipBlanks(); m_at < m_text.size(); skipBlanks()) {
             if (m_text[m_at] == TEXT('<') && opensMarkup(m_at)) {
                 readMarkup();
             } else {
@@ -76,28 +77,31 @@ class Parser {
         m_at = at;
     }
 
+    // Needs no look at the end: behind it stands the terminator of the text, or the "]]>" of an INCLUDE section.
     WStringView takeName() {
-        const std::size_t start = m_at;
-        std::size_t at = start;
-        while (at < m_text.size() && belongsToName(m_text[at])) ++at;
-        m_at = at;
-        return {m_text.data() + start, at - start};
+        const WCHAR* const start = m_text.data() + m_at;
+        const WCHAR* at = start;
+        while (belongsToName(*at)) ++at;
+        const auto length = static_cast<std::size_t>(at - start);
+        m_at += length;
+        return {start, length};
     }
 
-    // The literal that begins with the quote at this place, normalised; none when the text ends inside it.
-    std::optional<WStringView> takeLiteral() {
+    // The literal that begins with the quote at this place, normalised. False when the text ends inside it.
+    bool takeLiteral(std::optional<WStringView>& value) {
         const WCHAR quote = m_text[m_at];
-        const std::size_t start = m_at + 1;
-        bool blanks = false;
-        for (std::size_t at = start; at < m_text.size(); ++at) {
-            const WCHAR unit = m_text[at];
-            blanks = blanks || isBlank(unit);
-            if (unit != quote) continue;
-            m_at = at + 1;
-            const WStringView literal(m_text.data() + start, at - start);
-            return blanks ? normalised(literal) : literal;
-        }
-        return std::nullopt;
+        const WCHAR* const start = m_text.data() + m_at + 1;
+        const WCHAR* const end = m_text.data() + m_text.size();
+        const WCHAR* at = start;
+        while (at < end && *at != quote && !isBlank(*at)) ++at;
+        const bool blanks = at < end && *at != quote;
+        while (at < end && *at != quote) ++at;
+        if (at >= end) return false;
+        const auto length = static_cast<std::size_t>(at - start);
+        m_at += length + 2;
+        const WStringView literal(start, length);
+        value = blanks ? normalised(literal) : literal;
+        return true;
     }
 
     // The part of the text up to `closing`, or to the end when it is not there; goes on behind it.
@@ -110,7 +114,7 @@ class Parser {
 
     // Skips the rest of a tag that says no more: behind its ">", or to the "<" that opens the next one.
     void skipTag() {
-        m_at = std::min(m_text.find_first_of(TEXT("<>"), m_at), m_text.size());
+        while (m_at < m_text.size() && m_text[m_at] != TEXT('<') && m_text[m_at] != TEXT('>')) ++m_at;
         if (unitAt(m_at) == TEXT('>')) ++m_at;
     }
 
@@ -155,9 +159,8 @@ class Parser {
         return (m_text[at] == TEXT('<') && opensMarkup(at)) || (m_text[at] == TEXT(']') && inSubset());
     }
 
-    // Up to the next markup. Blanks alone make no node.
+    // Up to the next markup.
     void readText() {
-        skipBlanks();
         const std::size_t start = m_at;
         std::size_t at = start;
         while (at < m_text.size() && !endsText(at)) ++at;
@@ -228,20 +231,15 @@ class Parser {
 
     // name="value" or name='value'; a name alone has no value. False when the text ends inside the value.
     bool readAttribute(XmlNode& node) {
-        const WStringView name = takeName();
-        std::optional<WStringView> value;
+        XmlAttribute* const attribute = m_document.newAttribute(takeName());
+        if (attribute == nullptr) return false;
         skipBlanks();
         if (unitAt(m_at) == TEXT('=')) {
             ++m_at;
             skipBlanks();
             const WCHAR quote = unitAt(m_at);
-            if (quote == TEXT('"') || quote == TEXT('\'')) {
-                value = takeLiteral();
-                if (!value) return false;
-            }
+            if ((quote == TEXT('"') || quote == TEXT('\'')) && !takeLiteral(attribute->value)) return false;
         }
-        XmlAttribute* const attribute = m_document.newAttribute(name, value);
-        if (attribute == nullptr) return false;
         node.attributes.append(*attribute);
         return true;
     }
@@ -307,7 +305,7 @@ class Parser {
             m_at = end + 1;
         }
         if (word.empty()) return false;
-        XmlAttribute* const attribute = m_document.newAttribute(word, std::nullopt);
+        XmlAttribute* const attribute = m_document.newAttribute(word);
         if (attribute != nullptr) node.attributes.append(*attribute);
         return true;
     }

@@ -9,12 +9,13 @@ constexpr INT kOffered =
     IS_TEXT_UNICODE_STATISTICS | IS_TEXT_UNICODE_SIGNATURE | IS_TEXT_UNICODE_REVERSE_SIGNATURE | IS_TEXT_UNICODE_ODD_LENGTH;
 
 bool looksWide(const BYTE* bytes, INT count) {
-    INT zeroHigh = 0;
-    for (INT i = 0; i + 1 < count; i += 2) {
+    const INT mostOther = count / 2 - (count / 2 + 1) / 2;  // high bytes that may be something else
+    INT other = 0;
+    for (INT i = 0; i + 1 < count && other <= mostOther; i += 2) {
         if (bytes[i] == 0) return false;
-        zeroHigh += bytes[i + 1] == 0 ? 1 : 0;
+        other += bytes[i + 1] == 0 ? 0 : 1;
     }
-    return zeroHigh * 2 >= count / 2;
+    return other <= mostOther;
 }
 
 INT findingsOf(const BYTE* bytes, INT count) {
