@@ -23,6 +23,7 @@ class HolderRecord {
     // Makes room in a file that is too short, which leaves it a record of nobody. False with errno set.
     bool open(int file);
     void close();
+    [[nodiscard]] bool isOpen() const { return m_shared != nullptr; }
 
     // REQUIRES for what follows: open.
     [[nodiscard]] bool isHeld() const;

@@ -100,6 +100,7 @@ void resetHostState() {
     state.fileMoved = fresh.fileMoved;
     state.profileOverrides = fresh.profileOverrides;
     state.mutexes.clear();
+    state.parkedMutexes.clear();
     state.impersonation.clear();
 }
 

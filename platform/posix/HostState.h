@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -97,6 +98,7 @@ struct HostState {
 
     std::mutex lock;                                           // guards what follows
     std::map<std::string, std::weak_ptr<NamedMutex>> mutexes;  // open in this process, by lock file
+    std::map<std::string, std::unique_ptr<HandleObject>> parkedMutexes;  // closed, but quick to open again
     std::map<std::int64_t, std::uint32_t> impersonation;       // user number by thread
     std::map<HMODULE, unsigned> libraries;                     // references by loaded library
 };

@@ -68,6 +68,8 @@ class FileMutex final : public NamedMutex {
 
     // False with errno set. `existed`: another process has the name open.
     bool open(bool create, bool& existed);
+    // Gives the name up but keeps the file for the next opening. False when it is not to be used again.
+    bool park();
     DWORD wait(DWORD duration) override;
     bool release() override;
     bool isHeld() override {
@@ -78,6 +80,7 @@ class FileMutex final : public NamedMutex {
   private:
     enum class Attempt : std::uint8_t { Taken, Busy, Failed };
     bool openFile(bool create);
+    bool isUsable();
     void closeFile();
     bool adoptAfterFork();
     [[nodiscard]] bool lockByte(short type, long byte) const;
@@ -108,9 +111,22 @@ void FileMutex::closeFile() {
     m_file = -1;
 }
 
+// Whether a file that was kept is still the one of the name, and this process's own.
+bool FileMutex::isUsable() {
+    struct stat named {};
+    struct stat kept {};
+    if (m_file < 0 || m_process != static_cast<pid_t>(GetCurrentProcessId())) return false;
+    if (platformCalls().status(m_path.c_str(), &named) != 0 || ::fstat(m_file, &kept) != 0) return false;
+    const bool whole = kept.st_size >= static_cast<off_t>(HolderRecord::kBytes);  // its record may be mapped
+    return whole && named.st_dev == kept.st_dev && named.st_ino == kept.st_ino;
+}
+
 bool FileMutex::open(bool create, bool& existed) {
     existed = false;
-    if (!openFile(create)) return false;
+    if (!isUsable()) {
+        closeFile();
+        if (!openFile(create)) return false;
+    }
     struct flock range = rangeOf(F_WRLCK, kExistenceByte);
     if (platformCalls().lock(m_file, F_OFD_GETLK, &range) != 0) return false;
     existed = range.l_type != F_UNLCK;
@@ -118,7 +134,14 @@ bool FileMutex::open(bool create, bool& existed) {
         errno = ENOENT;
         return false;
     }
-    return lockByte(F_RDLCK, kExistenceByte) && m_record.open(m_file);
+    return lockByte(F_RDLCK, kExistenceByte) && (m_record.isOpen() || m_record.open(m_file));
+}
+
+// A mutex that is held dies with its file: so the next one learns that its holder left it.
+bool FileMutex::park() {
+    const std::lock_guard guard(m_lock);
+    if (m_file < 0 || m_owner != 0 || m_process != static_cast<pid_t>(GetCurrentProcessId())) return false;
+    return lockByte(F_UNLCK, kExistenceByte);
 }
 
 bool FileMutex::adoptAfterFork() {
@@ -246,6 +269,23 @@ bool isGlobalName(WStringView name, WStringView& rest) {
     return !rest.empty() && rest.size() <= kLongest && rest.find(TEXT('\\')) == WStringView::npos;
 }
 
+// When its last handle is closed, a mutex waits in the host state for the next opening of its name: a store opens it for every
+// load, and a new file with its mapping takes longer than all the rest of it.
+void parkOrDelete(FileMutex* mutex, const std::string& path) {
+    std::unique_ptr<FileMutex> owned(mutex);
+    if (!owned->park()) return;
+    HostState& state = hostState();
+    const std::lock_guard guard(state.lock);
+    state.parkedMutexes[path] = std::move(owned);
+}
+
+// One that waits for this name, or a new one. REQUIRES: the host state's lock is held.
+std::unique_ptr<FileMutex> unopened(const std::string& path) {
+    const auto parked = hostState().parkedMutexes.extract(path);
+    if (parked.empty()) return std::make_unique<FileMutex>(path);
+    return std::unique_ptr<FileMutex>(static_cast<FileMutex*>(parked.mapped().release()));
+}
+
 // The object of this process for a name, opened when it is not open yet. Empty with the last error set.
 std::shared_ptr<NamedMutex> objectOf(WStringView name, bool create, bool& existed) {
     WStringView rest;
@@ -260,16 +300,18 @@ std::shared_ptr<NamedMutex> objectOf(WStringView name, bool create, bool& existe
         existed = true;
         return open;
     }
-    auto made = std::make_shared<FileMutex>(path);
+    std::unique_ptr<FileMutex> made = unopened(path);
     bool opened = made->open(create, existed);
     // The first mutex of a data root finds no folder for its file.
     if (!opened && create && errno == ENOENT) opened = !lockFolder().empty() && made->open(create, existed);
     if (!opened) {
         failWithErrno();
+        if (made->park()) state.parkedMutexes[path] = std::move(made);
         return nullptr;
     }
-    state.mutexes[path] = made;
-    return made;
+    std::shared_ptr<NamedMutex> open(made.release(), [path](FileMutex* mutex) { parkOrDelete(mutex, path); });
+    state.mutexes[path] = open;
+    return open;
 }
 
 HANDLE handleOf(std::shared_ptr<NamedMutex> mutex) {
