@@ -83,6 +83,15 @@ void createDefaultPlotkeeperConfig(const Path& folder, const Path& ini) {
     WritePrivateProfileStringW(kUserSetup, TEXT("WorkPath"), joined(work, TEXT("\\")).data(), ini.data());
 }
 
+// An ini file that answers exists; only one that does not is looked for, and made.
+Path provideVersion(const Path& mainIni) {
+    constexpr const WCHAR* kMissing = TEXT("ERROR");
+    const auto read = [&] { return readPath(mainIni, TEXT("Plotkeeper"), TEXT("actVersion"), kMissing); };
+    if (const Path version = read(); viewOf(version) != kMissing && version[0] != 0) return version;
+    if (!fileExists(mainIni.data())) createDefaultMorvilConfig(mainIni);
+    return read();
+}
+
 }  // namespace
 
 CMvConfig::Path dataRootIn(const CMvConfig::Path& commonFolder) {
@@ -108,11 +117,10 @@ void CMvConfig::buildPathCommon() {
     m_programCommonFiles = joined(m_programs, TEXT("\\Common Files"));
     logState().baseFolder = dataRoot();
     provideFolders(m_dataRoot, m_commonFiles);
-    if (!fileExists(m_mainIni.data())) createDefaultMorvilConfig(m_mainIni);
 }
 
 void CMvConfig::buildPathJobApplication() {
-    const Path version = readPath(m_mainIni, TEXT("Plotkeeper"), TEXT("actVersion"), TEXT("ERROR"));
+    const Path version = provideVersion(m_mainIni);
     const Path parent = joined(m_dataRoot, TEXT("\\Plotkeeper"));
     m_jobApplicationFolder = joined(parent, TEXT("\\"), version.data());
     m_jobApplicationIni = joined(m_jobApplicationFolder, TEXT("\\pk.ini"));

@@ -115,15 +115,14 @@ struct CXml::Members {
         return own.get();
     }
 
-    // Reads the file. The old document is given back behind the new one: given back first, its memory would go to the system
-    // and come back page by page, which takes longer than parsing. REQUIRES: the mutex is held.
+    // Reads the file into the memory of the old document, when nobody shares that. REQUIRES: the mutex is held.
     bool read() {
-        const std::shared_ptr<const XmlDocument> old = document;
+        std::shared_ptr<XmlDocument> old = own;
         take(nullptr);
         if (cache != nullptr) {
             document = cache->load();
         } else if (path.size() <= kMostPathCharacters && readFileBytes(path.c_str(), kLargestConfigurationFile, bytes)) {
-            take(parseFileBytes(bytes));
+            take(parseFileBytes(bytes, std::move(old)));
         }
         if (document == nullptr) return false;
         moveTo(&document->root());

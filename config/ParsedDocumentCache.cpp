@@ -10,10 +10,13 @@
 
 namespace morvil {
 
-std::shared_ptr<XmlDocument> parseFileBytes(const std::vector<std::uint8_t>& bytes) {
+std::shared_ptr<XmlDocument> parseFileBytes(const std::vector<std::uint8_t>& bytes, std::shared_ptr<XmlDocument> spent) {
     if (bytes.empty()) return nullptr;
     std::size_t length = 0;
-    return parseXml(decodeFileBytes(bytes, length));
+    if (spent == nullptr) return parseXml(decodeFileBytes(bytes, length));
+    spent->restart(decodeFileBytes(bytes, length, spent->takeText()));
+    parseXml(*spent);
+    return spent;
 }
 
 const WCHAR* ParsedDocumentCache::path() {

@@ -52,7 +52,7 @@ class ParsedDocumentCache {
 // A file beyond this size is no configuration and counts as missing: every change of an item writes the whole file anew.
 inline constexpr std::uint64_t kLargestConfigurationFile = std::uint64_t{8} << 20;
 
-// The tree of a file's bytes; null when there are none or no memory.
-std::shared_ptr<XmlDocument> parseFileBytes(const std::vector<std::uint8_t>& bytes);
+// The tree of a file's bytes; null when there are none or no memory. `spent`: a document that is given up for it, or null.
+std::shared_ptr<XmlDocument> parseFileBytes(const std::vector<std::uint8_t>& bytes, std::shared_ptr<XmlDocument> spent = nullptr);
 
 }  // namespace morvil

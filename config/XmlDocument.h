@@ -24,6 +24,12 @@ class XmlDocument {
     [[nodiscard]] const XmlNode& root() const { return m_root; }
     [[nodiscard]] WStringView text() const { return m_text; }
 
+    // For a reader that reads on and on: drops the tree and hands out the text, whose memory the next one may take, and begins
+    // anew with the memory that the tree had. A document that was handed back to the system and taken again page by page would
+    // cost more than parsing.
+    WString takeText();
+    void restart(WString text);
+
     // These append at the end and return the new item; null when there is no memory, and the tree is then as before.
     XmlNode* addChild(XmlNode& node, XmlType type);
     XmlAttribute* addAttribute(XmlNode& node, WStringView name);
@@ -73,7 +79,8 @@ class XmlDocument {
     WString m_text;
     std::vector<std::unique_ptr<std::byte[]>> m_blocks;
     std::span<std::byte> m_free;  // of the last block
-    std::size_t m_nextBlock;      // bytes
+    std::size_t m_lastBlock = 0;  // bytes
+    std::size_t m_nextBlock;
     XmlNode m_root;
 };
 

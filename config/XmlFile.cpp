@@ -37,8 +37,9 @@ bool readFileBytes(const WCHAR* path, std::uint64_t limit, std::vector<std::uint
     return !file.failed();
 }
 
-WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length) {
-    WString text(bytes.size(), WCHAR{0});  // as much as the widest reading needs: two bytes for each
+WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length, WString room) {
+    WString text = std::move(room);
+    text.resize(bytes.size());  // as much as the widest reading needs: two bytes for each
     auto* const out = reinterpret_cast<std::uint8_t*>(text.data());
     length = 0;
     while (!bytes.empty()) {

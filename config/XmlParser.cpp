@@ -356,12 +356,16 @@ class Parser {
 
 }  // namespace
 
+void parseXml(XmlDocument& document) {
+    WStringView whole = document.text();
+    if (!whole.empty() && whole.front() == kByteOrderMark) whole.remove_prefix(1);
+    Parser(document, whole, document.root()).run();
+}
+
 std::unique_ptr<XmlDocument> parseXml(WString text) {
     try {
         auto document = std::make_unique<XmlDocument>(std::move(text));
-        WStringView whole = document->text();
-        if (!whole.empty() && whole.front() == kByteOrderMark) whole.remove_prefix(1);
-        Parser(*document, whole, document->root()).run();
+        parseXml(*document);
         return document;
     } catch (const std::bad_alloc&) {
         return nullptr;
