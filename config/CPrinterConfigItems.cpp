@@ -57,7 +57,9 @@ bool inRange(const keys::NumberKey<T>& key, T value) {
 WString ConfigurationItems::pathOf(const WCHAR* key) const {
     const WStringView path = viewOf(key);
     if (!path.starts_with(kRootMark)) return WString(path);
-    return WString(m_root).append(path.substr(kRootMark.size()));
+    WString whole;
+    whole.reserve(m_root.size() + path.size());
+    return whole.append(m_root).append(path.substr(kRootMark.size()));
 }
 
 WString ConfigurationItems::pathOf(const WCHAR* key, int number) const { return format(pathOf(key), number); }

@@ -9,8 +9,9 @@ ItemPath::ItemPath(const WCHAR* path) {
     if (path == nullptr) return;
     const WCHAR* start = path;
     for (const WCHAR* at = path;; ++at) {
-        if (static_cast<std::size_t>(at - path) > kMostCharacters) break;
+        while (*at > TEXT('.')) ++at;  // what names are made of, and not the end
         if (*at != TEXT('.') && *at != 0) continue;
+        if (static_cast<std::size_t>(at - path) > kMostCharacters) break;
         const auto length = static_cast<std::size_t>(at - start);
         if (length > 0 && m_count < kMostNames) m_names[m_count++] = {start, std::min(length, kMostNameCharacters)};
         if (*at == 0) return;

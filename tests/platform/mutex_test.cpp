@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -348,6 +349,30 @@ TEST(NamedMutex, forkedChildOwnsNothing) {
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
     EXPECT_TRUE(ReleaseMutex(mutex));
+}
+
+TEST(NamedMutex, openedAgain_excludesAForkedChild) {
+    const TempHome home;
+    CloseHandle(CreateMutexW(nullptr, FALSE, kName));  // its file is kept for the next opening, and a child inherits that
+    Child child([] { WaitForSingleObject(CreateMutexW(nullptr, FALSE, kName), INFINITE); });
+    child.run();
+    const Handle mutex = create();
+    EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_TIMEOUT);
+}
+
+TEST(NamedMutex, lockFileGoneBetweenOpenings_isMadeAgain) {
+    const TempHome home;
+    const auto file = home.folder() / ".locks" / "mutex-PRINTERCONFIGSYNCH.lock";
+    const std::function<void()> harms[] = {[&] { std::filesystem::remove(file); }, [&] { std::filesystem::resize_file(file, 0); }};
+    for (const auto& harm : harms) {
+        CloseHandle(CreateMutexW(nullptr, FALSE, kName));
+        harm();
+        const Handle mutex = create();
+        EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        EXPECT_GT(std::filesystem::file_size(file), 0U);
+        EXPECT_TRUE(ReleaseMutex(mutex));
+    }
 }
 
 TEST(NamedMutex, homesDoNotShareMutexes) {
