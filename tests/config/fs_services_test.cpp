@@ -1,5 +1,5 @@
 // File-system services and the two questions about the machine.
-#include <sys/stat.h>
+#include <array>
 
 #include "config/CMvFsServices.h"
 #include "config/MvOperatingSystem.h"
@@ -76,18 +76,6 @@ TEST_F(FsServices, a_folder_is_made_and_opened_to_the_users) {
     EXPECT_THAT(texts(), ElementsAre("CMvFsServices::createDirectory SetFileSecurity success, kb\n"));
     EXPECT_TRUE(folderExists(kFolder));
     EXPECT_GT(entriesOf(kFolder), 0U);
-}
-
-// A folder that is made for its owner alone, on a machine whose mask allows more: what the others get, the list gives.
-TEST_F(FsServices, a_folder_gives_everything_to_the_users) {
-    const mode_t before = ::umask(0);
-    platformCalls().makeFolder = [](const char* path, mode_t) { return ::mkdir(path, 0700); };
-    EXPECT_TRUE(m_services.createDirectory(kFolder));
-    platformCalls() = systemCalls();
-    struct stat status {};
-    EXPECT_EQ(::stat(m_home.hostPath(kFolder).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0777U);
-    ::umask(before);
 }
 
 TEST_F(FsServices, a_size_that_the_system_does_not_tell_is_reported) {
@@ -168,11 +156,17 @@ TEST_F(FsServices, the_machine_names_its_architecture_and_printer_driver_folder)
     EXPECT_EQ(system.getHardwareArchitecture(), MvOperatingSystem::kX64);
     EXPECT_THAT(texts(), ElementsAre("MvOperatingSystem::getHardwareArchitecture=2\n"));
     m_debug.clear();
-    EXPECT_EQ(toUtf8(system.getPrinterDriverSubPath()), "C:\\Windows\\System32\\spool\\drivers\\x64\\3");
+    std::array<WCHAR, MAX_PATH> folder{};
+    ASSERT_NE(GetSystemDirectoryW(folder.data(), MAX_PATH), 0U);
+    const std::string drivers = toUtf8(viewOf(folder)) + "\\spool\\drivers\\x64\\3";
+    EXPECT_EQ(toUtf8(system.getPrinterDriverSubPath()), drivers);
     EXPECT_THAT(texts(), ElementsAre("MvOperatingSystem::getHardwareArchitecture=2\n",
-                                     "MvOperatingSystem::getPrinterDriverSubPath=C:\\Windows\\System32\\spool\\drivers\\x64\\3\n"));
+                                     "MvOperatingSystem::getPrinterDriverSubPath=" + drivers + "\n"));
+}
+
+TEST_F(FsServices, a_system_folder_that_is_not_told_gives_no_printer_driver_folder) {
     hostState().refusals["GetSystemDirectoryW"] = ERROR_ACCESS_DENIED;
-    EXPECT_TRUE(system.getPrinterDriverSubPath().empty());
+    EXPECT_TRUE(MvOperatingSystem().getPrinterDriverSubPath().empty());
 }
 
 TEST_F(FsServices, each_architecture_has_its_number_and_folder) {

@@ -183,7 +183,8 @@ TEST_F(MvString, asFloat_reads_the_longest_number_with_point_or_comma) {
 }
 
 TEST_F(MvString, asFloat_leaves_the_numeric_category_at_C) {
-    ASSERT_NE(std::setlocale(LC_NUMERIC, "C.UTF-8"), nullptr);
+    const char* const here = std::setlocale(LC_NUMERIC, "C.UTF-8");
+    ASSERT_NE(here != nullptr ? here : std::setlocale(LC_NUMERIC, "English_United States.1252"), nullptr);
     EXPECT_EQ(m_string.asFloat(TEXT("0,5")), 0.5F);
     EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
 }

@@ -1,7 +1,4 @@
 // Loading a configuration: names, the first start, the repair of an invalid file, and files that cannot be had.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <array>
 #include <chrono>
 #include <cstring>
@@ -9,6 +6,7 @@
 #include "PrinterConfigFixture.h"
 #include "platform/posix/HostState.h"
 #include "platform/posix/PlatformCalls.h"
+#include "support/ChildProcess.h"
 #include "support/FailingCalls.h"
 
 namespace morvil::test {
@@ -40,48 +38,15 @@ ConfigurationRecord sentinel() {
     return record;
 }
 
-// Another process that holds the lock of the configuration until this object goes.
-class LockedElsewhere {
-  public:
-    LockedElsewhere() {
-        std::array<int, 2> toChild{};
-        std::array<int, 2> toParent{};
-        if (::pipe(toChild.data()) != 0 || ::pipe(toParent.data()) != 0) throw std::runtime_error("no pipe");
-        m_child = ::fork();
-        if (m_child == 0) hold(toChild[0], toParent[1], toChild[1]);
-        ::close(toChild[0]);
-        ::close(toParent[1]);
-        m_release = toChild[1];
-        char ready = 0;
-        m_held = ::read(toParent[0], &ready, 1) == 1 && ready == 'y';
-        ::close(toParent[0]);
-    }
-    ~LockedElsewhere() {
-        ::close(m_release);
-        int status = 0;
-        ::waitpid(m_child, &status, 0);
-    }
-    LockedElsewhere(const LockedElsewhere&) = delete;
-    LockedElsewhere& operator=(const LockedElsewhere&) = delete;
-
-    [[nodiscard]] bool held() const { return m_held; }
-
-  private:
-    [[noreturn]] static void hold(int release, int ready, int otherEnd) {
-        ::close(otherEnd);
-        const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\PRINTERCONFIGSYNCH"));
-        const bool held = WaitForSingleObject(mutex, 5000) == WAIT_OBJECT_0;
-        char answer = held ? 'y' : 'n';
-        if (::write(ready, &answer, 1) != 1) ::_exit(1);
-        if (::read(release, &answer, 1) < 0) ::_exit(1);
-        ReleaseMutex(mutex);
-        ::_exit(0);
-    }
-
-    pid_t m_child = -1;
-    int m_release = -1;
-    bool m_held = false;
-};
+// Another process that holds the lock of the configuration until it is let go.
+int holdLock(const ChildProcess::Link& link) {
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, TEXT("Global\\PRINTERCONFIGSYNCH"));
+    if (WaitForSingleObject(mutex, 5000) != WAIT_OBJECT_0) return 1;
+    link.ready();
+    link.waitForParent();
+    ReleaseMutex(mutex);
+    return 0;
+}
 
 }  // namespace
 
@@ -303,8 +268,8 @@ TEST_F(PrinterConfigLoad, lockedByAnotherProcess_givesTheDefaultsAndChangesNothi
     WritePrivateProfileStringW(TEXT("Debug"), TEXT("MvMutexTimeOut"), TEXT("50"), folders.debugIni());
     const std::string before = fileBytes();
     {
-        const LockedElsewhere lock;
-        ASSERT_TRUE(lock.held());
+        const ChildProcess lock(holdLock);
+        ASSERT_TRUE(lock.waitUntilReady());
         const auto begin = std::chrono::steady_clock::now();
         ConfigurationRecord record = sentinel();
         EXPECT_FALSE(CPrinterConfig().getConfig(TEXT(""), record));
@@ -325,16 +290,16 @@ TEST_F(PrinterConfigLoad, lockedSinceTheLastLoad_givesTheDefaults) {
     CPrinterConfig config;
     ConfigurationRecord record{};
     ASSERT_TRUE(config.getConfig(TEXT(""), record));
-    const LockedElsewhere lock;
-    ASSERT_TRUE(lock.held());
+    const ChildProcess lock(holdLock);
+    ASSERT_TRUE(lock.waitUntilReady());
     EXPECT_FALSE(config.getConfig(TEXT(""), record));
     EXPECT_EQ(text(record.materialGroup), "Standard");
 }
 
 TEST_F(PrinterConfigLoad, missingFileWhileLocked_isNotCreatedAndDoesNotHang) {
     WritePrivateProfileStringW(TEXT("Debug"), TEXT("MvMutexTimeOut"), TEXT("20"), folders.debugIni());
-    const LockedElsewhere lock;
-    ASSERT_TRUE(lock.held());
+    const ChildProcess lock(holdLock);
+    ASSERT_TRUE(lock.waitUntilReady());
     const auto begin = std::chrono::steady_clock::now();
     ConfigurationRecord record = sentinel();
     EXPECT_FALSE(CPrinterConfig().getConfig(TEXT(""), record));

@@ -1,10 +1,6 @@
 // The bitmap section within the job file: its type by process mode, its place, and how page and bands get into it.
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "jobfile/JobFixture.h"
 #include "platform/common/FileStream.h"
-#include "platform/posix/PlatformCalls.h"
 
 namespace morvil::test {
 
@@ -56,31 +52,6 @@ TEST_F(JobBitmap, a_job_without_a_bitmap_section_has_no_such_group) {
     EXPECT_EQ(job.find("EOBmp"), std::string::npos);
     EXPECT_FALSE(writePage(*writer, kRows));
     EXPECT_EQ(bytesOf(*writer), job);
-}
-
-// The file changes under the writer into one that has no positions.
-TEST_F(JobBitmap, a_place_that_cannot_be_reached_is_logged) {
-    static std::string path;
-    static int opening = 0;
-    static int turn = 0;
-    bool seen = false;
-    for (turn = 1; turn <= 8 && !seen; ++turn) {
-        const auto writer = begin(1);
-        path = m_home.hostPath(writer->jobFilePath()).string();
-        opening = 0;
-        clearLog();
-        platformCalls().open = [](const char* name, int flags, mode_t mode) {
-            if (name == path && ++opening == turn) {
-                ::unlink(name);
-                if (::mkfifo(name, 0600) != 0) return -1;
-            }
-            return systemCalls().open(name, flags, mode);
-        };
-        EXPECT_FALSE(writePage(*writer, kRows) && logged("!!! WriteBitmap seek failed"));
-        platformCalls() = systemCalls();
-        seen = logged("!!! WriteBitmap seek failed");
-    }
-    EXPECT_TRUE(seen);
 }
 
 TEST_F(JobBitmap, mode_1_creates_header_and_palette_alone) {

@@ -4,6 +4,7 @@
 #include "jobfile/BorderCompletion.h"
 #include "jobfile/PageJob.h"
 #include "support/FailingCalls.h"
+#include "support/System.h"
 
 namespace morvil::test {
 
@@ -148,7 +149,7 @@ TEST_F(JobBorder, a_file_that_cannot_be_opened_is_logged_and_given_away_as_it_is
     const auto writer = begin(1);
     const std::string rows = storedRows({"\x05\x05\x05", "\x05\x04\x05", "\x05\x05\x05"});
     sendPage(*writer, rows);
-    SetFileAttributesW(writer->jobFilePath(), FILE_ATTRIBUTE_READONLY);
+    makeReadOnly(writer->jobFilePath());
     clearLog();
     writer->Complete();
     EXPECT_EQ(messages(), (Strings{"SpoolFile ProcessMode=ColorStamp", "!!! ErrorMsg=job file cannot be opened"}));

@@ -1,5 +1,6 @@
 // The end of a job: the log lines of its mode, the final name, and what happens to unfinished files.
 #include "jobfile/JobFixture.h"
+#include "support/System.h"
 
 namespace morvil::test {
 
@@ -78,7 +79,7 @@ TEST_F(JobCompletion, without_a_job_there_is_nothing_to_rename) {
 
 TEST_F(JobCompletion, a_leftover_that_could_not_be_removed_is_never_given_away) {
     writeBytes(inSpool(TEXT("Plan.tsa")), "leftover");
-    SetFileAttributesW(inSpool(TEXT("Plan.tsa")).c_str(), FILE_ATTRIBUTE_READONLY);
+    makeReadOnly(inSpool(TEXT("Plan.tsa")).c_str());
     const auto writer = begin(3);
     EXPECT_TRUE(logged("!!! Error Open SpoolFile dwError=5"));
     writer->Complete();

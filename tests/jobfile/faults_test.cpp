@@ -40,9 +40,9 @@ class JobFaults : public JobFixture {
     // Whatever a job may leave, in whichever folder it was made.
     [[nodiscard]] std::vector<std::filesystem::path> filesLeft() const {
         std::vector<std::filesystem::path> files;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_home.folder())) {
-            const std::string extension = entry.path().extension().string();
-            if (extension == ".tsa" || extension == ".tsf" || extension == ".dat" || extension == ".txt") files.push_back(entry.path());
+        for (const std::filesystem::path& file : m_home.files()) {
+            const std::string extension = file.extension().string();
+            if (extension == ".tsa" || extension == ".tsf" || extension == ".dat" || extension == ".txt") files.push_back(file);
         }
         return files;
     }

@@ -1,6 +1,7 @@
 // Shrinking where something fails: files that were cut or cannot be opened, no memory, and every call refused in turn.
 #include "jobfile/ShrinkJob.h"
 #include "support/FailingCalls.h"
+#include "support/System.h"
 
 namespace morvil::test {
 
@@ -32,7 +33,7 @@ TEST_F(JobShrinkFaults, a_file_that_cannot_be_opened_is_left_alone) {
     const auto writer = begin(1);
     sendPage(*writer, bitRows(kShrinkPicture));
     const std::string before = bytesOf(*writer);
-    SetFileAttributesW(writer->jobFilePath(), FILE_ATTRIBUTE_READONLY);
+    makeReadOnly(writer->jobFilePath());
     clearLog();
     writer->Complete();
     EXPECT_EQ(messages(), (Strings{"SpoolFile ProcessMode=Stamp", "Shringk to bounding box", "CSpoolFile::doShrinkToBoundigbox",

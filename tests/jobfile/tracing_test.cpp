@@ -1,10 +1,10 @@
 // The tracing mode: three pictures in the spool folder, and polygons from a library that may be missing, strange or wrong.
-#include <cstdlib>
 #include <filesystem>
 
 #include "jobfile/PageJob.h"
 #include "platform/posix/HostState.h"
 #include "platform/posix/PlatformCalls.h"
+#include "support/Environment.h"
 #include "support/FailingCalls.h"
 
 namespace morvil::test {
@@ -16,7 +16,7 @@ using Strings = std::vector<std::string>;
 class JobTracing : public PageJob {
   protected:
     JobTracing() { setPage(kModeTest2, 3, 2); }
-    ~JobTracing() override { ::unsetenv("MORVIL_TEST_TRACER"); }
+    ~JobTracing() override { clearEnvironment("MORVIL_TEST_TRACER"); }
 
     // Puts a library where the driver looks for it.
     void install(const char* library = MORVIL_TEST_TRACER_LIBRARY) const {
@@ -24,7 +24,7 @@ class JobTracing : public PageJob {
         std::filesystem::create_directories(folder);
         std::filesystem::copy_file(library, folder / "MvTracer.dll", std::filesystem::copy_options::overwrite_existing);
     }
-    static void answer(const char* text) { ::setenv("MORVIL_TEST_TRACER", text, 1); }
+    static void answer(const char* text) { setEnvironment("MORVIL_TEST_TRACER", text); }
     static bool trace(CSpoolFile& writer, const std::string& page, std::uint32_t yOffset = 0) {
         return writer.TraceBitmap(reinterpret_cast<const std::uint8_t*>(page.data()), page.size(), 3, 2, yOffset);
     }

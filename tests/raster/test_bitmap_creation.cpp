@@ -224,18 +224,18 @@ TEST_F(BitmapCreation, fill) {
     static constexpr struct {
         int type;
         std::uint32_t value;
-        std::uint8_t byte;
+        std::uint8_t filled;
     } cases[] = {{kGreyRamp, 0x123456, 0},    {kGreyRamp, kWhite, 255},   {kGreyRamp, 0x070707, 7},      {kGreyRamp, 0x01070707, 0},
                  {kBlackWhite, kWhite, 0xFF}, {kBlackWhite, 0, 0},        {kBlackWhite, 0x808080, 0},    {kWhiteBlack, kWhite, 0},
                  {kWhiteBlack, 0, 0xFF},      {kTrueColour, kWhite, 255}, {kTrueColour, 0x1234AB, 0xAB}, {kProcessColours, kWhite, 17},
                  {kMciColours, kWhite, 5}};
-    for (const auto& [type, value, byte] : cases) {
+    for (const auto& [type, value, filled] : cases) {
         for (const std::uint32_t width : {1U, 9U, 64U}) {
             BitmapFile file(type, width, 3);
             ASSERT_TRUE(file.store.Fill(value));
             Bytes expected(file.store.imageSize());
             for (std::uint32_t r = 0; r < 3; ++r) {
-                for (std::uint32_t c = 0; c < file.rowBytes(); ++c) expected[std::size_t{r} * file.store.stride() + c] = byte;
+                for (std::uint32_t c = 0; c < file.rowBytes(); ++c) expected[std::size_t{r} * file.store.stride() + c] = filled;
             }
             EXPECT_EQ(file.pixels(), expected) << "type " << type << ", value " << value << ", width " << width;
             EXPECT_EQ(file.stream.tell(), file.store.pixelPosition() + file.store.imageSize());

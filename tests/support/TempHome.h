@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/common/Text.h"
 
@@ -21,6 +22,8 @@ class TempHome {
     [[nodiscard]] const std::filesystem::path& folder() const { return m_folder; }
     // What a Windows path stands for on this host.
     [[nodiscard]] std::filesystem::path hostPath(WStringView windowsPath) const;
+    // Every file that was put there.
+    [[nodiscard]] std::vector<std::filesystem::path> files() const;
 
   private:
     std::filesystem::path m_folder;

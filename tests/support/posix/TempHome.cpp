@@ -43,6 +43,14 @@ TempHome::~TempHome() {
     fs::remove_all(m_folder, ignored);
 }
 
+std::vector<fs::path> TempHome::files() const {
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::recursive_directory_iterator(m_folder)) {
+        if (entry.is_regular_file()) found.push_back(entry.path());
+    }
+    return found;
+}
+
 fs::path TempHome::hostPath(WStringView windowsPath) const { return hostPathOf(windowsPath); }
 
 std::string readHostBytes(const fs::path& file) {

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "support/LeakListener.h"
+#include "support/posix/LeakListener.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
