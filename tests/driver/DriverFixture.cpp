@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "config/CMvConfig.h"
-#include "platform/posix/HostState.h"
+#include "driver/TestMachine.h"
 #include "support/LogFiles.h"
 
 namespace morvil::test {
@@ -29,8 +29,7 @@ DriverTest::DriverTest() {
     m_logBefore = logState();
     logState().settings = &m_logging;
 
-    WString name = hostState().printers.at(0).name;
-    OpenPrinterW(name.data(), &printer, nullptr);
+    printer = openTestPrinter();
     devmode.dm.dmSize = sizeof(DEVMODEW);
     devmode.dm.dmDriverExtra = kPrivateDevmodeBytes;
     configuration() = CPrinterConfig::defaultConfiguration();

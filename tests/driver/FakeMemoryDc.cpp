@@ -117,7 +117,7 @@ BOOL StretchBlt(HDC to, int x, int y, int width, int height, HDC from, int sourc
     if (fake.refuses("StretchBlt")) return FALSE;
     const FakeBitmap& source = *fake.sections.at(fake.contexts.at(from).selected);
     std::transform(source.bits.begin(), source.bits.end(), fake.sections.at(target.selected)->bits.begin(),
-                   [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); });
+                   [](std::uint8_t bits) { return static_cast<std::uint8_t>(~bits); });
     return TRUE;
 }
 

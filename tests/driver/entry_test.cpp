@@ -5,6 +5,8 @@
 #include "driver/function_table.h"
 #include "driver/guard.h"
 
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);  // exported, but no header names it
+
 namespace morvil::test {
 namespace {
 

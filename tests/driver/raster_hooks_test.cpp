@@ -266,7 +266,7 @@ TEST_F(Stretch, the_raster_process_spares_sources_that_are_rastered) {
     record.processMode = kModeRelief;  // does not matter then
     EXPECT_EQ(chooseStretchMode(record, BMF_1BPP, 2), ULONG{COLORONCOLOR});
     EXPECT_THAT(rendLog(), ElementsAre("DrvStretchBlt, raster process, iMode=2", "Source image already ratered skip further rastering"));
-    for (const ULONG format : {BMF_8BPP, BMF_24BPP, 0U}) {
+    for (const ULONG format : {ULONG{BMF_8BPP}, ULONG{BMF_24BPP}, ULONG{0}}) {
         clearLogs();
         EXPECT_EQ(chooseStretchMode(record, format, 3), ULONG{HALFTONE});
         EXPECT_THAT(rendLog(), ElementsAre("DrvStretchBlt, raster process, iMode=3", "Source image will be rastered"));

@@ -16,6 +16,11 @@ Outstanding outstanding() {
     DWORD bytes = 0;
     if (EnumProcessModules(GetCurrentProcess(), modules.data(), sizeof(modules), &bytes) == FALSE) return {};
     Outstanding now;
+    HANDLE token = nullptr;
+    if (OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) != FALSE) {
+        CloseHandle(token);
+        now.impersonations = 1;
+    }
     for (std::size_t i = 0; i < bytes / sizeof(HMODULE); ++i) {
         std::array<WCHAR, MAX_PATH> file{};
         GetModuleFileNameW(modules[i], file.data(), static_cast<DWORD>(file.size()));
