@@ -27,7 +27,10 @@ void dumpResult(const CxImage& image) {
     for (int n = 0; n < std::numeric_limits<int>::max(); ++n) {
         const WString path = format(TEXT("C:\\result_%d.bmp"), n);
         if (fileExists(path.c_str())) continue;
-        if (!CxImageBMP(image).Save(path.c_str())) logMorvil(1, kError, TEXT("Dither, %s not written, Error=%d"), path, GetLastError(), kLogEnd);
+        if (!CxImageBMP(image).Save(path.c_str())) {
+            logMorvil(1, kError, TEXT("Dither, %s not written, Error=%d"), path, GetLastError(), kLogEnd);
+            DeleteFileW(path.c_str());  // no half picture
+        }
         return;
     }
 }

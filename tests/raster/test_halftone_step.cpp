@@ -190,6 +190,14 @@ TEST_F(HalftoneStep, a_dump_that_cannot_be_written_is_told_and_changes_nothing_e
     workspace.endFaults();
     EXPECT_EQ(size, 240U);
     EXPECT_EQ(workspace.debugLines().back(), "Dither, finished\n");
+    EXPECT_FALSE(test::exists(TEXT("C:\\result_0.bmp"))) << "half a picture";
+}
+
+TEST_F(HalftoneStep, a_dump_that_something_stands_in_the_way_of_is_logged) {
+    test::makeFolder(TEXT("C:\\result_0.bmp"));
+    EXPECT_EQ(run(1), 1);
+    EXPECT_THAT(workspace.logLines(), testing::Contains(testing::StartsWith("!!! Dither, C:\\result_0.bmp not written, Error=")));
+    EXPECT_EQ(size, 240U);
 }
 
 TEST_F(HalftoneStep, no_dump_without_the_switch) {
