@@ -40,18 +40,22 @@ std::string registerQueue(const std::wstring& printer) {
 
 }  // namespace
 
+std::string installDriverFile(const fs::path& driverFile) {
+    const std::wstring folder = driverFolder();
+    if (folder.empty()) return failed("GetPrinterDriverDirectory");
+    std::error_code error;
+    fs::create_directories(folder, error);
+    fs::copy_file(driverFile, fs::path(folder) / L"morvil.dll", fs::copy_options::overwrite_existing, error);
+    return error ? "the driver file cannot be copied: " + error.message() : std::string();
+}
+
 std::string installPrinter(const std::wstring& name, const fs::path& driverFile) {
     std::wstring printer = name;
     if (HANDLE there = nullptr; OpenPrinterW(printer.data(), &there, nullptr) != FALSE) {
         ClosePrinter(there);
         return {};
     }
-    const std::wstring folder = driverFolder();
-    if (folder.empty()) return failed("GetPrinterDriverDirectory");
-    std::error_code error;
-    fs::create_directories(folder, error);
-    fs::copy_file(driverFile, fs::path(folder) / L"morvil.dll", fs::copy_options::overwrite_existing, error);
-    if (error) return "the driver file cannot be copied: " + error.message();
+    if (std::string failure = installDriverFile(driverFile); !failure.empty()) return failure;
 
     std::wstring environment = L"Windows x64";
     std::wstring driver = L"morvil.dll";

@@ -52,7 +52,8 @@ bool run(const fs::path& driverFile, const fs::path& out, const fs::path& file) 
     const auto recording = trace::fromBytes(read(file), reason);
     if (recording) {
         restore(*recording);
-        reason = host::installPrinter(std::wstring(recording->printer.begin(), recording->printer.end()), driverFile);
+        reason = host::installDriverFile(driverFile);
+        if (reason.empty()) reason = host::installPrinter(std::wstring(recording->printer.begin(), recording->printer.end()), driverFile);
         if (reason.empty()) reason = host::LoadedDriver(driverFile).play(*recording);
         collect(out / file.stem());
     }
