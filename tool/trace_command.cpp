@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <ostream>
+#include <utility>
 
 #include "engine/EngineState.h"
 #include "platform/host/HostState.h"
@@ -88,7 +89,7 @@ int runTrace(const TraceOptions& options, engine::EnableDriverFunction driver, c
     std::ostream nowhere(nullptr);
     const int status = runPrint(options.print, trace::Recorder::driver(), {keeps ? streams.out : nowhere, streams.err, streams.errIsTerminal});
     if (status == kUsage || !keeps) return status;
-    if (write(options.record, trace::toBytes(recording))) return status;
+    if (write(options.record, trace::toBytes(std::move(recording)))) return status;
     return fail(streams, "trace", options.record + ": cannot be written", kSystemFailed);
 }
 

@@ -150,12 +150,11 @@ void visit(Archive& archive, Recording& recording) {
 
 }  // namespace
 
-Bytes toBytes(const Recording& recording) {
+Bytes toBytes(Recording recording) {  // one description serves both directions, so it takes its members as changeable
     Writer writer;
     std::array<std::uint8_t, 8> magic = kMagic;
     writer.plain(magic);
-    Recording copy = recording;  // one description serves both directions, so it takes its members as changeable
-    visit(writer, copy);
+    visit(writer, recording);
     return writer.take();
 }
 

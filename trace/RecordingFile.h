@@ -8,7 +8,8 @@
 
 namespace morvil::trace {
 
-Bytes toBytes(const Recording& recording);
+// Takes the recording, which may hold the bits of large pages: give it away when it is not needed any more.
+Bytes toBytes(Recording recording);
 
 // Nothing when the bytes are no whole recording; `reason` then tells where they stop making sense.
 std::optional<Recording> fromBytes(const Bytes& bytes, std::string& reason);
