@@ -153,7 +153,6 @@ TEST_F(PrintedPage, changes_with_each_stored_field_of_the_adjustment) {
     const std::string plain = bitmap("plain", {});
     ASSERT_FALSE(plain.empty());
     EXPECT_TRUE(plain == bitmap("off", {base + "caBrightness=160"})) << "the adjustment is switched off";
-    std::vector<std::string> seen{plain};
     for (const char* const field : {"caBrightness=160", "caContrast=170", "caRedGamma=3000", "caGreenGamma=3000", "caBlueGamma=3000"}) {
         const std::string item = field;
         const std::string neutralItem = item.substr(0, item.find('=')) + (item.find("Gamma") == std::string::npos ? "=100" : "=10000");
