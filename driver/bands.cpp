@@ -38,17 +38,20 @@ void finishPage(bool sent) {
 BOOL nextBand(SURFOBJ* pso, POINTL* origin) {
     logNextBand(pso, origin);
     BOOL result = DrvSendPage(pso);
+    const bool sent = result != FALSE;
+    const DWORD error = GetLastError();
     if (pso != nullptr) state().uiBandPosition += static_cast<std::uint32_t>(pso->sizlBitmap.cy);
 
     POINTL next{0, static_cast<LONG>(state().uiBandPosition)};
     if (state().uiBandPosition >= state().configuration.size.pixelHeight) {
         next = {-1, -1};
-        finishPage(result != FALSE);
+        finishPage(sent);
         result = FALSE;
     }
     if (origin != nullptr) *origin = next;
     logMorvil(1, kInformation, TEXT("DrvNextBand finished, x=%ld, y=%ld"), next.x, next.y, kLogEnd);
     if (state().configuration.vectorJob == 0 && pso != nullptr) FilleSurface(*pso, backgroundColour());
+    if (!sent) SetLastError(error);  // what came behind has asked the system for other things
     return result;
 }
 

@@ -85,6 +85,21 @@ void fillInstance(PDEV& pdev, const PlotDM* devmode, const EnableRequest& reques
     copyText(name, WStringView(request.deviceName, end));
 }
 
+// Acts as the printing user from here on. An instance that is not made has no document whose end would give that up.
+class PrintingUser {
+  public:
+    explicit PrintingUser(DWORD processId) : m_givesUp(state().impersonationToken == nullptr) { becomePrintingUser(processId); }
+    ~PrintingUser() {
+        if (m_givesUp) endImpersonation();
+    }
+    PrintingUser(const PrintingUser&) = delete;
+    PrintingUser& operator=(const PrintingUser&) = delete;
+    void stay() { m_givesUp = false; }
+
+  private:
+    bool m_givesUp;
+};
+
 DHPDEV enableInstance(const EnableRequest& request) {
     ++state().refCounter;
     if (!driverInstalled(request.hPrinter)) {
@@ -95,7 +110,7 @@ DHPDEV enableInstance(const EnableRequest& request) {
     loadWorkingConfiguration(devmode);
     logInstance(request.devmode);
     recordCallingProcess();
-    becomePrintingUser(state().configuration.application.processId);
+    PrintingUser user(state().configuration.application.processId);
 
     PdevOwner pdev = allocatePdev();
     if (!pdev) {
@@ -108,6 +123,7 @@ DHPDEV enableInstance(const EnableRequest& request) {
         logMorvil(1, kError, TEXT("DrvEnablePDEV CommonStartPDEV failed"), kLogEnd);
         pdev.reset();
     }
+    if (pdev) user.stay();
     logMorvil(1, kInformation, TEXT("DrvEnablePDEV finished pPDev=%X"), low32(pdev.get()), kLogEnd);
     return handleOf(pdev.release());
 }
@@ -136,14 +152,16 @@ BOOL resetInstance(DHPDEV oldPdev, DHPDEV newPdev) {
     return TRUE;
 }
 
-// An aborted document may never reach DrvEndDoc's end, so its unfinished file goes here.
+// DrvEndDoc refuses an aborted document, so its unfinished file goes here, and the identity of the user who printed it.
 void disableInstance(DHPDEV dhpdev) {
     if (!isInstance(dhpdev)) return;
     const PdevOwner pdev(pdevOf(dhpdev));
     logMorvil(1, kInformation, TEXT("DrvDisablePDEV, Instance=%d,  pPDev=%X, delete SpoolObject"), pdev->configuration().timeStamp,
               low32(pdev.get()), kLogEnd);
-    if (state().spoolFile && (pdev->flags & kJobAborted) != 0) state().spoolFile->Abort();
+    const bool aborted = (pdev->flags & kJobAborted) != 0;
+    if (state().spoolFile && aborted) state().spoolFile->Abort();
     state().spoolFile.reset();
+    if (aborted) endImpersonation();
 }
 
 }  // namespace

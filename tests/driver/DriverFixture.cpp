@@ -50,6 +50,7 @@ DriverTest::~DriverTest() {
     }
     EXPECT_TRUE(engine.surfaces.empty());
     EXPECT_EQ(engine.livePalettes, 0U);
+    EXPECT_EQ(engine.locked, 0U);
     if (printer != nullptr) ClosePrinter(printer);
     resetState();
     logState() = m_logBefore;

@@ -16,12 +16,21 @@ FakeEngine& record(const char* call) {
     return engine;
 }
 
-BOOL draw(const char* call, std::vector<const void*> arguments, ULONG number, FLONG options) {
+// The same for a service that can fail; whether it does so now.
+bool refuses(const char* call) {
     FakeEngine& engine = record(call);
+    if (engine.refuses == 0 || --engine.refuses != 0) return false;
+    engine.refused = call;
+    return true;
+}
+
+BOOL draw(const char* call, std::vector<const void*> arguments, ULONG number, FLONG options) {
+    const bool now = refuses(call);
+    FakeEngine& engine = fakeEngine();
     engine.arguments = std::move(arguments);
     engine.lastNumber = number;
     engine.lastOptions = options;
-    return engine.result;
+    return now ? FALSE : engine.result;
 }
 
 HPALETTE paletteHandle(std::size_t number) { return reinterpret_cast<HPALETTE>(0x1000 + number); }
@@ -53,10 +62,11 @@ using namespace morvil::test;
 extern "C" {
 
 HBITMAP EngCreateBitmap(SIZEL size, LONG rowBytes, ULONG format, FLONG flags, PVOID /*bits*/) {
-    FakeEngine& engine = record("EngCreateBitmap");
+    const bool now = refuses("EngCreateBitmap");
+    FakeEngine& engine = fakeEngine();
     engine.bitmaps.push_back({size, rowBytes, format, flags});
     const bool hasPixels = size.cx > 0 && size.cy > 0;
-    if (!hasPixels || (engine.grantsBitmap && !engine.grantsBitmap(engine.bitmaps.back()))) return nullptr;
+    if (now || !hasPixels || (engine.grantsBitmap && !engine.grantsBitmap(engine.bitmaps.back()))) return nullptr;
     auto surface = std::make_unique<FakeSurface>();
     surface->bits.assign(static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(size.cy), 0);
     SURFOBJ& object = surface->object;
@@ -77,24 +87,27 @@ HBITMAP EngCreateBitmap(SIZEL size, LONG rowBytes, ULONG format, FLONG flags, PV
 BOOL EngDeleteSurface(HSURF surface) { return record("EngDeleteSurface").surfaces.erase(surface) != 0 ? TRUE : FALSE; }
 
 BOOL EngMarkBandingSurface(HSURF surface) {
-    const FakeEngine& engine = record("EngMarkBandingSurface");
-    return engine.marksBanding && engine.surfaces.contains(surface) ? TRUE : FALSE;
+    const bool now = refuses("EngMarkBandingSurface");
+    const FakeEngine& engine = fakeEngine();
+    return !now && engine.marksBanding && engine.surfaces.contains(surface) ? TRUE : FALSE;
 }
 
 BOOL EngAssociateSurface(HSURF surface, HDEV device, FLONG hooks) {
-    FakeEngine& engine = record("EngAssociateSurface");
+    const bool now = refuses("EngAssociateSurface");
+    FakeEngine& engine = fakeEngine();
     engine.hooks = hooks;
     engine.associatedDevice = device;
-    if (!engine.associates || !engine.surfaces.contains(surface)) return FALSE;
+    if (now || !engine.associates || !engine.surfaces.contains(surface)) return FALSE;
     engine.surfaces[surface]->object.hdev = device;
     engine.surfaces[surface]->object.dhpdev = engine.dhpdev;
     return TRUE;
 }
 
 HPALETTE EngCreatePalette(ULONG mode, ULONG colours, ULONG* entries, FLONG /*red*/, FLONG /*green*/, FLONG /*blue*/) {
-    FakeEngine& engine = record("EngCreatePalette");
+    const bool now = refuses("EngCreatePalette");
+    FakeEngine& engine = fakeEngine();
     engine.palettes.push_back({mode, entries == nullptr ? std::vector<ULONG>() : std::vector<ULONG>(entries, entries + colours)});
-    if (!engine.grantsPalettes) return nullptr;
+    if (now || !engine.grantsPalettes) return nullptr;
     ++engine.livePalettes;
     return paletteHandle(engine.palettes.size());
 }
@@ -105,11 +118,14 @@ BOOL EngDeletePalette(HPALETTE /*palette*/) {
 }
 
 SURFOBJ* EngLockSurface(HSURF surface) {
-    FakeEngine& engine = record("EngLockSurface");
-    return engine.locks && engine.surfaces.contains(surface) ? &engine.surfaces[surface]->object : nullptr;
+    const bool now = refuses("EngLockSurface");
+    FakeEngine& engine = fakeEngine();
+    if (now || !engine.locks || !engine.surfaces.contains(surface)) return nullptr;
+    ++engine.locked;
+    return &engine.surfaces[surface]->object;
 }
 
-VOID EngUnlockSurface(SURFOBJ* /*surface*/) { record("EngUnlockSurface"); }
+VOID EngUnlockSurface(SURFOBJ* /*surface*/) { --record("EngUnlockSurface").locked; }
 
 BOOL EngCheckAbort(SURFOBJ* /*surface*/) { return record("EngCheckAbort").aborted ? TRUE : FALSE; }
 

@@ -69,10 +69,12 @@ class FakeEngine {
     bool locks = true;
     bool aborted = false;
     bool throws = false;      // the next service throws, to try the driver's border
+    std::size_t refuses = 0;  // the how-manieth call from now on of a service that can fail will; 0: none
     BOOL result = TRUE;       // of the drawing services
     DHPDEV dhpdev = nullptr;  // put into surfaces when they are associated
 
     // What it was asked for.
+    std::string refused;  // the service that failed, because it was told to
     std::vector<std::string> calls;
     std::vector<BitmapRequest> bitmaps;
     std::vector<PaletteRequest> palettes;
@@ -87,6 +89,7 @@ class FakeEngine {
 
     std::map<HSURF, std::unique_ptr<FakeSurface>> surfaces;
     std::size_t livePalettes = 0;
+    std::size_t locked = 0;
 };
 
 FakeEngine& fakeEngine();

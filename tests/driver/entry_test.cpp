@@ -55,6 +55,15 @@ TEST_F(Entry, query_with_four_bytes_says_user_mode) {
     EXPECT_THAT(morvilLog(), ElementsAre("DrvQueryDriverInfo", "DrvQueryDriverInfo DRVQUERY_USERMODE"));
 }
 
+TEST_F(Entry, query_tells_no_size_to_nobody) {
+    DWORD buffer = 0x66;
+    EXPECT_EQ(DrvQueryDriverInfo(DRVQUERY_USERMODE, &buffer, sizeof(buffer), nullptr), TRUE);
+    EXPECT_EQ(buffer, 1U);
+    SetLastError(0xdeadbeef);
+    EXPECT_EQ(DrvQueryDriverInfo(DRVQUERY_USERMODE, nullptr, 0, nullptr), FALSE);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+}
+
 TEST_F(Entry, enable_refuses_old_engines_and_short_records) {
     static const struct {
         ULONG version;
@@ -74,6 +83,11 @@ TEST_F(Entry, enable_refuses_old_engines_and_short_records) {
         EXPECT_EQ(GetLastError(), 0xdeadbeefU);
         EXPECT_THAT(morvilLog(), ElementsAre("DrvEnableDriver", entry.line));
     }
+}
+
+TEST_F(Entry, enable_refuses_a_missing_record) {
+    EXPECT_EQ(DrvEnableDriver(0x20000, 16, nullptr), FALSE);
+    EXPECT_THAT(morvilLog(), ElementsAre("DrvEnableDriver", "!!! DrvEnableDriver BadParameter"));
 }
 
 TEST_F(Entry, enable_hands_out_the_table_in_its_order) {

@@ -1,6 +1,7 @@
-// Sizes and offsets of the driver's own records, which it shares with the user interface and with itself in other processes: by
-// the private devmode, so they are the same on every host and in every build.
+// Sizes and offsets of the driver's own records, which it shares with the user interface and with itself in other processes by
+// the private devmode, and with the curve-fitting library: they are the same on every host and in every build.
 #include "driver/Pdev.h"
+#include "jobfile/PolygonPoints.h"
 #include "support/Layout.h"
 
 namespace morvil {
@@ -145,6 +146,16 @@ TEST(DriverRecords, LoggingBlock) {
                      MEMBER(LoggingBlock, debugLevel, 4, 2),
                      MEMBER(LoggingBlock, reserved, 6, 2),
                      MEMBER(LoggingBlock, maxBytes, 8, 4),
+                 });
+}
+
+TEST(DriverRecords, ArcRecord) {
+    expectLayout("ArcRecord", sizeof(ArcRecord), 56,
+                 {
+                     MEMBER(ArcRecord, coordinates, 0, 24),
+                     MEMBER(ArcRecord, unused, 24, 8),
+                     MEMBER(ArcRecord, values, 32, 16),
+                     MEMBER(ArcRecord, sixth, 48, 4),
                  });
 }
 

@@ -225,6 +225,40 @@ TEST(Layout, LINEATTRS) {
                  });
 }
 
+TEST(Layout, FLOAT_LONG) {
+    expectLayout("FLOAT_LONG", sizeof(FLOAT_LONG), 4,
+                 {
+                     MEMBER(FLOAT_LONG, e, 0, 4),
+                     MEMBER(FLOAT_LONG, l, 0, 4),
+                 });
+}
+
+TEST(Layout, POINTL) {
+    expectLayout("POINTL", sizeof(POINTL), 8,
+                 {
+                     MEMBER(POINTL, x, 0, 4),
+                     MEMBER(POINTL, y, 4, 4),
+                 });
+}
+
+TEST(Layout, SIZEL) {
+    expectLayout("SIZEL", sizeof(SIZEL), 8,
+                 {
+                     MEMBER(SIZEL, cx, 0, 4),
+                     MEMBER(SIZEL, cy, 4, 4),
+                 });
+}
+
+TEST(Layout, RECTL) {
+    expectLayout("RECTL", sizeof(RECTL), 16,
+                 {
+                     MEMBER(RECTL, left, 0, 4),
+                     MEMBER(RECTL, top, 4, 4),
+                     MEMBER(RECTL, right, 8, 4),
+                     MEMBER(RECTL, bottom, 12, 4),
+                 });
+}
+
 TEST(Layout, POINTFIX) {
     expectLayout("POINTFIX", sizeof(POINTFIX), 8,
                  {

@@ -16,6 +16,8 @@ Outstanding outstanding() {
     DWORD bytes = 0;
     if (EnumProcessModules(GetCurrentProcess(), modules.data(), sizeof(modules), &bytes) == FALSE) return {};
     Outstanding now;
+    DWORD handles = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &handles) != FALSE) now.handles = handles;
     HANDLE token = nullptr;
     if (OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token) != FALSE) {
         CloseHandle(token);

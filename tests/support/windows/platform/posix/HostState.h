@@ -57,6 +57,7 @@ struct HostState {
 HostState& hostState();
 
 struct Outstanding {
+    std::size_t handles = 0;         // of the process
     std::size_t libraries = 0;       // loaded from elsewhere than the system's folder
     std::size_t impersonations = 0;  // 1 while this thread acts as somebody else
 };
