@@ -21,6 +21,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "platform/posix/Errors.h"
 #include "platform/posix/HolderRecord.h"
@@ -83,6 +84,7 @@ class FileMutex final : public NamedMutex {
     bool isUsable();
     void closeFile();
     bool adoptAfterFork();
+    bool showOpen();
     [[nodiscard]] bool lockByte(short type, long byte) const;
     [[nodiscard]] Attempt tryFile() const;
     DWORD waitForFile(const Deadline& deadline, DWORD thread);
@@ -94,6 +96,9 @@ class FileMutex final : public NamedMutex {
     std::condition_variable m_freed;
     pid_t m_process = 0;  // which opened the file; another one was forked from it
     int m_file = -1;
+    dev_t m_device = 0;  // which file that is, for as long as it is open
+    ino_t m_number = 0;
+    bool m_shownOpen = false;  // by the lock on the existence byte
     HolderRecord m_record;
     DWORD m_owner = 0;     // thread that holds the mutex, or is the one of this process that waits for the file
     unsigned m_depth = 0;  // how often it holds it
@@ -102,23 +107,27 @@ class FileMutex final : public NamedMutex {
 bool FileMutex::openFile(bool create) {
     m_file = create ? openLockFile(m_path) : platformCalls().open(m_path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, 0);
     m_process = static_cast<pid_t>(GetCurrentProcessId());
-    return m_file >= 0;
+    struct stat status {};
+    if (m_file < 0 || ::fstat(m_file, &status) != 0) return false;
+    m_device = status.st_dev;
+    m_number = status.st_ino;
+    return true;
 }
 
 void FileMutex::closeFile() {
     m_record.close();
     if (m_file >= 0) ::close(m_file);
     m_file = -1;
+    m_shownOpen = false;
 }
 
 // Whether a file that was kept is still the one of the name, and this process's own.
 bool FileMutex::isUsable() {
     struct stat named {};
-    struct stat kept {};
     if (m_file < 0 || m_process != static_cast<pid_t>(GetCurrentProcessId())) return false;
-    if (platformCalls().status(m_path.c_str(), &named) != 0 || ::fstat(m_file, &kept) != 0) return false;
-    const bool whole = kept.st_size >= static_cast<off_t>(HolderRecord::kBytes);  // its record may be mapped
-    return whole && named.st_dev == kept.st_dev && named.st_ino == kept.st_ino;
+    if (platformCalls().status(m_path.c_str(), &named) != 0) return false;
+    const bool whole = named.st_size >= static_cast<off_t>(HolderRecord::kBytes);  // its record may be mapped
+    return whole && named.st_dev == m_device && named.st_ino == m_number;
 }
 
 bool FileMutex::open(bool create, bool& existed) {
@@ -134,14 +143,19 @@ bool FileMutex::open(bool create, bool& existed) {
         errno = ENOENT;
         return false;
     }
-    return lockByte(F_RDLCK, kExistenceByte) && (m_record.isOpen() || m_record.open(m_file));
+    return showOpen() && (m_record.isOpen() || m_record.open(m_file));
+}
+
+bool FileMutex::showOpen() {
+    m_shownOpen = lockByte(F_RDLCK, kExistenceByte);
+    return m_shownOpen;
 }
 
 // A mutex that is held dies with its file: so the next one learns that its holder left it.
 bool FileMutex::park() {
     const std::lock_guard guard(m_lock);
     if (m_file < 0 || m_owner != 0 || m_process != static_cast<pid_t>(GetCurrentProcessId())) return false;
-    return lockByte(F_UNLCK, kExistenceByte);
+    return !std::exchange(m_shownOpen, false) || lockByte(F_UNLCK, kExistenceByte);
 }
 
 bool FileMutex::adoptAfterFork() {
@@ -149,7 +163,7 @@ bool FileMutex::adoptAfterFork() {
     closeFile();
     m_owner = 0;
     m_depth = 0;
-    return openFile(true) && lockByte(F_RDLCK, kExistenceByte) && m_record.open(m_file);
+    return openFile(true) && showOpen() && m_record.open(m_file);
 }
 
 bool FileMutex::lockByte(short type, long byte) const {
