@@ -25,16 +25,23 @@ void widen(std::span<const std::uint8_t> piece, std::uint8_t* out) {
 
 }  // namespace
 
+// The file is read into the room that the one before left, and one byte more, so that a single call usually tells its end as
+// well. Only of a larger file the size is asked.
 bool readFileBytes(const WCHAR* path, std::uint64_t limit, std::vector<std::uint8_t>& bytes) {
-    bytes.clear();
-    FileStream file;
-    if (!file.open(path, OpenMode::Read)) return false;
-    const std::int64_t size = file.size();
-    if (size < 0 || static_cast<std::uint64_t>(size) > limit) return false;
-    bytes.resize(static_cast<std::size_t>(size));
-    bytes.resize(file.read(bytes));
-    if (file.failed()) bytes.clear();
-    return !file.failed();
+    constexpr std::size_t kUsualFile = std::size_t{8} << 10;
+    FileStream file(path, OpenMode::Read);
+    bytes.resize(std::max(bytes.size() + 1, kUsualFile));
+    std::size_t total = file.readOnce(bytes);
+    bool whole = file.isOpen();
+    if (total == bytes.size()) {
+        const auto size = static_cast<std::uint64_t>(file.size());  // one that is not told lies beyond every limit
+        whole = whole && size <= limit;
+        if (whole && size > total) bytes.resize(static_cast<std::size_t>(size));
+        total += file.read(std::span(bytes).subspan(total));
+    }
+    whole = whole && !file.failed() && total <= limit;
+    bytes.resize(whole ? total : 0);
+    return whole;
 }
 
 WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length, WString room) {

@@ -115,5 +115,22 @@ TEST_F(XmlFile, a_file_beyond_the_limit_is_not_taken_into_memory) {
     EXPECT_EQ(bytes.size(), 5U);
 }
 
+// One object reads many files into the same room: it may be too small, just right or too large for the next.
+TEST_F(XmlFile, files_of_every_size_are_read_whole_one_after_the_other) {
+    std::vector<std::uint8_t> bytes;
+    for (const std::size_t size : {0U, 5U, 8191U, 8192U, 8193U, 100000U, 99999U, 100000U, 100001U, 100003U, 7U}) {
+        std::string content(size, 'x');
+        for (std::size_t i = 0; i < size; ++i) content[i] = static_cast<char>('a' + i % 23);
+        test::writeBytes(kFile, content);
+        EXPECT_TRUE(readFileBytes(kFile, 100003, bytes)) << size;
+        EXPECT_EQ(std::string(bytes.begin(), bytes.end()), content) << size;
+    }
+    EXPECT_FALSE(readFileBytes(TEXT("C:\\nothing.xml"), 100003, bytes));
+    EXPECT_TRUE(bytes.empty());
+    test::writeBytes(kFile, std::string(100004, 'x'));
+    EXPECT_FALSE(readFileBytes(kFile, 100003, bytes));
+    EXPECT_TRUE(bytes.empty());
+}
+
 }  // namespace
 }  // namespace morvil
