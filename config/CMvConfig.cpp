@@ -3,6 +3,7 @@
 #include "config/CMvFsServices.h"
 #include "driver/log/Log.h"
 #include "platform/common/FileStream.h"
+#include "platform/host/IniFile.h"
 
 namespace morvil {
 
@@ -12,6 +13,7 @@ using Path = CMvConfig::Path;
 
 constexpr std::size_t kMostFolderCharacters = 258;
 constexpr const WCHAR* kUserSetup = TEXT("UserSetup");
+constexpr const WCHAR* kActingVersion = TEXT("actVersion");
 
 void append(WString& text, WStringView part) { text.append(part); }
 
@@ -31,17 +33,20 @@ void provideFolder(const Path& path) {
     if (path[0] != 0 && !folderExists(path.data())) CMvFsServices().createDirectory(path.data());
 }
 
+// Whether a path that exists shows that the folders exist which it was put together from.
+bool isBelow(const Path& inner) { return viewOf(inner).find(TEXT("..")) == WStringView::npos; }
+
 // The same for a folder and one inside it: who finds the inner one has found both.
 void provideFolders(const Path& outer, const Path& inner) {
-    if (inner[0] != 0 && folderExists(inner.data())) return;
+    if (inner[0] != 0 && isBelow(inner) && folderExists(inner.data())) return;
     provideFolder(outer);
     provideFolder(inner);
 }
 
-Path readPath(const Path& ini, const WCHAR* section, const WCHAR* key, const WCHAR* missing = TEXT("")) {
+Path readPath(IniFile& ini, const WCHAR* section, const WCHAR* key, const WCHAR* missing = TEXT("")) {
     Path value{};
-    if (ini[0] == 0) return value;
-    GetPrivateProfileStringW(section, key, missing, value.data(), static_cast<DWORD>(value.size()), ini.data());
+    if (*ini.path() == 0) return value;
+    ini.text(section, key, missing, value);
     return value;
 }
 
@@ -67,7 +72,7 @@ void createDefaultMorvilConfig(const Path& ini) {
         return;
     }
     for (const WCHAR* section : {TEXT("Plotkeeper"), TEXT("PrinterDriver")})
-        WritePrivateProfileStringW(section, TEXT("actVersion"), TEXT("0.0.0"), ini.data());
+        WritePrivateProfileStringW(section, kActingVersion, TEXT("0.0.0"), ini.data());
 }
 
 void createDefaultPlotkeeperConfig(const Path& folder, const Path& ini) {
@@ -83,13 +88,20 @@ void createDefaultPlotkeeperConfig(const Path& folder, const Path& ini) {
     WritePrivateProfileStringW(kUserSetup, TEXT("WorkPath"), joined(work, TEXT("\\")).data(), ini.data());
 }
 
-// An ini file that answers exists; only one that does not is looked for, and made.
-Path provideVersion(const Path& mainIni) {
-    constexpr const WCHAR* kMissing = TEXT("ERROR");
-    const auto read = [&] { return readPath(mainIni, TEXT("Plotkeeper"), TEXT("actVersion"), kMissing); };
-    if (const Path version = read(); viewOf(version) != kMissing && version[0] != 0) return version;
-    if (!fileExists(mainIni.data())) createDefaultMorvilConfig(mainIni);
-    return read();
+IniFile provideMainIni(const Path& path) {
+    if (IniFile ini(path.data()); ini.exists()) return ini;
+    createDefaultMorvilConfig(path);
+    return IniFile(path.data());
+}
+
+// Who finds the file has found its folders.
+IniFile provideJobApplicationIni(const Path& parent, const Path& folder, const Path& path) {
+    IniFile ini(path.data());
+    const bool present = ini.exists();
+    if (!present || !isBelow(path)) provideFolders(parent, folder);
+    if (present) return ini;
+    createDefaultPlotkeeperConfig(folder, path);
+    return IniFile(path.data());
 }
 
 }  // namespace
@@ -103,8 +115,9 @@ CMvConfig::Path dataRootIn(const CMvConfig::Path& commonFolder) {
 
 CMvConfig::CMvConfig() {
     buildPathCommon();
-    buildPathJobApplication();
-    buildPathDriver();
+    IniFile mainIni = provideMainIni(m_mainIni);
+    buildPathJobApplication(readPath(mainIni, TEXT("Plotkeeper"), kActingVersion, TEXT("ERROR")));
+    buildPathDriver(readPath(mainIni, TEXT("PrinterDriver"), kActingVersion));
 }
 
 void CMvConfig::buildPathCommon() {
@@ -119,21 +132,17 @@ void CMvConfig::buildPathCommon() {
     provideFolders(m_dataRoot, m_commonFiles);
 }
 
-void CMvConfig::buildPathJobApplication() {
-    const Path version = provideVersion(m_mainIni);
+void CMvConfig::buildPathJobApplication(const Path& version) {
     const Path parent = joined(m_dataRoot, TEXT("\\Plotkeeper"));
     m_jobApplicationFolder = joined(parent, TEXT("\\"), version.data());
     m_jobApplicationIni = joined(m_jobApplicationFolder, TEXT("\\pk.ini"));
-    provideFolder(parent);
-    provideFolder(m_jobApplicationFolder);
-    if (!fileExists(m_jobApplicationIni.data())) createDefaultPlotkeeperConfig(m_jobApplicationFolder, m_jobApplicationIni);
+    IniFile ini = provideJobApplicationIni(parent, m_jobApplicationFolder, m_jobApplicationIni);
     // The application path loses its last character whatever it is, the others only a backslash: so the partner programs write
     // and read them.
-    if (const Path data = readPath(m_jobApplicationIni, kUserSetup, TEXT("DataPath")); data[0] != 0)
-        m_jobApplicationFolder = withoutBackslash(data);
-    m_applicationPath = withoutLast(readPath(m_jobApplicationIni, TEXT("AdvancedSetup"), TEXT("ApplicationPath")));
-    m_spoolFolder = withoutBackslash(readPath(m_jobApplicationIni, kUserSetup, TEXT("SpoolPath")));
-    m_workFolder = withoutBackslash(readPath(m_jobApplicationIni, kUserSetup, TEXT("WorkPath")));
+    if (const Path data = readPath(ini, kUserSetup, TEXT("DataPath")); data[0] != 0) m_jobApplicationFolder = withoutBackslash(data);
+    m_applicationPath = withoutLast(readPath(ini, TEXT("AdvancedSetup"), TEXT("ApplicationPath")));
+    m_spoolFolder = withoutBackslash(readPath(ini, kUserSetup, TEXT("SpoolPath")));
+    m_workFolder = withoutBackslash(readPath(ini, kUserSetup, TEXT("WorkPath")));
     // The customer's list follows the catalogue's folder, whether or not it exists there.
     m_coloursGaspen = joined(m_jobApplicationFolder, TEXT("\\ColorsGaspen.xml"));
     const bool besideTheApplication = fileExists(m_coloursGaspen.data());
@@ -141,14 +150,12 @@ void CMvConfig::buildPathJobApplication() {
     m_coloursCustomer = joined(besideTheApplication ? m_jobApplicationFolder : m_commonFiles, TEXT("\\ColorsCustomer.xml"));
 }
 
-void CMvConfig::buildPathDriver() {
+void CMvConfig::buildPathDriver(const Path& version) {
     m_driverDataFolder = joined(m_dataRoot, TEXT("\\PrinterDriver"));
-    const Path version = readPath(m_mainIni, TEXT("PrinterDriver"), TEXT("actVersion"));
     m_driverVersionFolder = version[0] == 0 ? m_driverDataFolder : joined(m_driverDataFolder, TEXT("\\"), version.data());
     m_driverProgramFolder = joined(m_programs, TEXT("\\PrinterDriver"));
     logState().folder = driverDataFolder();
-    provideFolder(m_driverDataFolder);
-    provideFolder(m_driverVersionFolder);
+    provideFolders(m_driverDataFolder, m_driverVersionFolder);
     provideFolders(m_programs, m_driverProgramFolder);
     m_configurationFile = joined(m_driverDataFolder, TEXT("\\PrinterDriver.xml"));
     if (m_spoolFolder[0] == 0 || !folderExists(m_spoolFolder.data())) copyText(m_spoolFolder, fallbackSpoolFolder());

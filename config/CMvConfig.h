@@ -39,8 +39,9 @@ class CMvConfig {
 
   private:
     void buildPathCommon();
-    void buildPathJobApplication();
-    void buildPathDriver();
+    // `version`: the acting one of the program whose folders these are.
+    void buildPathJobApplication(const Path& version);
+    void buildPathDriver(const Path& version);
 
     Path m_dataRoot{};
     Path m_commonFiles{};

@@ -8,6 +8,7 @@
 #include "config/CPrinterConfigMembers.h"
 #include "config/CPrinterConfigTables.h"
 #include "platform/common/FileStream.h"
+#include "platform/host/IniFile.h"
 
 namespace morvil {
 
@@ -83,11 +84,12 @@ bool CPrinterConfig::Members::writable() {
 const CPrinterConfig::Members::IniValues& CPrinterConfig::Members::ini() {
     if (!iniValues) {
         const WCHAR* const userSetup = TEXT("UserSetup");
+        IniFile jobApplication(folders.jobApplicationIni());
+        IniFile main(folders.mainIni());
         iniValues = IniValues{
-            .useInch = static_cast<int>(GetPrivateProfileIntW(userSetup, TEXT("UseInch"), 0, folders.jobApplicationIni())),
-            .jobApplicationFlags = static_cast<int>(GetPrivateProfileIntW(userSetup, TEXT("Flags"), 0, folders.jobApplicationIni())),
-            .driverView =
-                static_cast<int>(GetPrivateProfileIntW(TEXT("Driver"), TEXT("Driver_View"), keys::kDriverView.missing, folders.mainIni())),
+            .useInch = static_cast<int>(jobApplication.number(userSetup, TEXT("UseInch"), 0)),
+            .jobApplicationFlags = static_cast<int>(jobApplication.number(userSetup, TEXT("Flags"), 0)),
+            .driverView = static_cast<int>(main.number(TEXT("Driver"), TEXT("Driver_View"), keys::kDriverView.missing)),
         };
     }
     return *iniValues;

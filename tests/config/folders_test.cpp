@@ -237,5 +237,16 @@ TEST_F(Folders, a_path_that_does_not_fit_stays_empty) {
     EXPECT_EQ(toUtf8(folders.coloursCustomer()), "");  // "\ColorsCustomer.xml" is longer by two
 }
 
+// A folder or file that is found tells that the folders above it are there, but not with a path that leads out of them.
+TEST_F(Folders, versions_that_lead_elsewhere_leave_no_folder_out) {
+    makeFolder(TEXT("C:\\ProgramData\\Morvil\\elsewhere"));
+    writeBytes(TEXT("C:\\ProgramData\\Morvil\\elsewhere\\pk.ini"), "");
+    WritePrivateProfileStringW(TEXT("Plotkeeper"), TEXT("actVersion"), TEXT("..\\elsewhere"), kMainIni);
+    WritePrivateProfileStringW(TEXT("PrinterDriver"), TEXT("actVersion"), TEXT(".."), kMainIni);
+    const CMvConfig folders;
+    EXPECT_TRUE(folderExists(TEXT("C:\\ProgramData\\Morvil\\Plotkeeper")));
+    EXPECT_TRUE(folderExists(folders.driverDataFolder()));
+}
+
 }  // namespace
 }  // namespace morvil

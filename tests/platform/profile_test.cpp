@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/posix/HostState.h"
+#include "platform/posix/IniFile.h"
 #include "platform/posix/PlatformCalls.h"
 #include "platform/posix/ProfileCache.h"
 #include "platform/posix/ProfileText.h"
@@ -282,6 +283,38 @@ TEST_F(ProfileTest, restedFile_isSeenToChangeWhoeverChangesIt) {
     }
 }
 
+// What somebody writes between two questions is for the next object; one that was never asked has seen nothing yet.
+TEST_F(ProfileTest, anIniFile_answersFromOneStateOfTheFile) {
+    const auto valueIn = [](IniFile& ini, const WCHAR* key) {
+        std::array<WCHAR, 20> out{};
+        const DWORD count = ini.text(TEXT("S"), key, TEXT("none"), out);
+        EXPECT_EQ(count, viewOf(out).size());
+        return toUtf8(viewOf(out));
+    };
+    writeBytes(kFile, "[S]\nk=1\nl=1\n");
+    IniFile asked(kFile);
+    IniFile later(kFile);
+    EXPECT_EQ(valueIn(asked, TEXT("k")), "1");
+    writeBytes(kFile, "[S]\nk=2\nl=2\n");
+    EXPECT_EQ(valueIn(asked, TEXT("l")), "1");
+    EXPECT_EQ(asked.number(TEXT("S"), TEXT("k"), 7), 1U);
+    EXPECT_EQ(valueIn(later, TEXT("l")), "2");
+    EXPECT_EQ(later.number(TEXT("S"), TEXT("m"), 7), 7U);
+}
+
+TEST_F(ProfileTest, anIniFile_exists) {
+    EXPECT_FALSE(IniFile(kFile).exists());
+    EXPECT_FALSE(IniFile(TEXT("")).exists());
+    EXPECT_FALSE(IniFile(nullptr).exists());
+    writeBytes(kFile, "");
+    EXPECT_TRUE(IniFile(kFile).exists());
+    ASSERT_EQ(::truncate(home.hostPath(kFile).c_str(), off_t{17} << 20), 0);
+    EXPECT_TRUE(IniFile(kFile).exists()) << "also one that is too large to be read";
+    DeleteFileW(kFile);
+    makeFolder(kFile);
+    EXPECT_FALSE(IniFile(kFile).exists());
+}
+
 // Changes that follow each other within one tick of the file system's clock, by files of one size that take turns in two places.
 TEST_F(ProfileTest, changesInARow_areAllSeen) {
     const std::string path = home.hostPath(kFile);
@@ -301,15 +334,16 @@ TEST(FileStamp, restsOnceItsTimesCanTellTheNextChange) {
         std::int64_t momentMilliseconds;
         bool rested;
     } cases[] = {
-        {1000, 500'000'000, 1'000'599, false}, {1000, 500'000'000, 1'000'600, true}, {1000, 500'000'000, 999'000, false},
-        {1000, 1, 1'000'101, true},            {1000, 0, 5'000'000, false},  // a file system that counts whole seconds
+        {1000, 500'000'000, 1'000'599, false}, {1000, 500'000'000, 1'000'600, true},
+        {1000, 500'000'000, 999'000, false},   {1000, 1, 1'000'101, true},
+        {1000, 0, 5'000'000, false},  // a file system that counts whole seconds
     };
     for (const auto& tested : cases) {
         struct stat status {};
         status.st_ctim = {tested.seconds, tested.nanoseconds};
         const std::chrono::system_clock::time_point moment{std::chrono::milliseconds(tested.momentMilliseconds)};
-        EXPECT_EQ(FileStamp(status).hadRested(moment), tested.rested) << tested.seconds << ' ' << tested.nanoseconds << ' '
-                                                                     << tested.momentMilliseconds;
+        EXPECT_EQ(FileStamp(status).hadRested(moment), tested.rested)
+            << tested.seconds << ' ' << tested.nanoseconds << ' ' << tested.momentMilliseconds;
     }
 }
 

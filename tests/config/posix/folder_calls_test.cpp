@@ -1,0 +1,36 @@
+// How often the system is asked while the shared folders are worked out: a new object is made for every load.
+#include <unistd.h>
+
+#include <map>
+#include <string>
+
+#include "config/CMvConfig.h"
+#include "config/StoreTest.h"
+
+namespace morvil {
+namespace {
+
+constexpr useconds_t kLongerThanARest = 130'000;  // microseconds; platform/posix/ProfileCache.h
+
+std::map<std::string, int>& questions() {
+    static std::map<std::string, int> count;
+    return count;
+}
+
+class FolderCalls : public test::StoreTest {};
+
+TEST_F(FolderCalls, nothing_is_asked_twice_when_everything_is_there) {
+    { const CMvConfig first; }
+    ::usleep(kLongerThanARest);
+    { const CMvConfig second; }  // the ini files have rested since, and are remembered
+    questions().clear();
+    platformCalls().status = [](const char* path, struct stat* out) { return ++questions()[path], systemCalls().status(path, out); };
+    platformCalls().open = [](const char* path, int, mode_t) { return ++questions()[path], -1; };
+    const CMvConfig third;
+    for (const auto& [path, count] : questions()) EXPECT_EQ(count, 1) << path;
+    EXPECT_EQ(questions().size(), 9U);
+    EXPECT_EQ(questions().count(m_home.hostPath(TEXT("C:\\ProgramData\\Morvil\\Plotkeeper"))), 0U) << "its ini file tells that it is there";
+}
+
+}  // namespace
+}  // namespace morvil
