@@ -215,6 +215,7 @@ BOOL stretchBlt(SURFOBJ* target, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ* clip, 
 
 BOOL textOut(SURFOBJ* target, STROBJ* text, FONTOBJ* font, CLIPOBJ* clip, RECTL* extra, RECTL* opaque, BRUSHOBJ* fore, BRUSHOBJ* back, POINTL* brushOrigin, MIX mix) {
     Event event = eventOf(INDEX_DrvTextOut, target);
+    if (text != nullptr) event.blocks = {blockBytes(text->pwszOrg, text->cGlyphs * sizeof(WCHAR))};  // a character for each glyph, where the engine tells them
     event.clip = describe(clip);
     event.rectangles = {copyOf(extra), copyOf(opaque)};
     event.brushes = {describe(fore), describe(back)};

@@ -1,4 +1,5 @@
-// TextTrace.h - a call on one line, for people: function, what distinguishes its arguments, result.
+// TextTrace.h - a call on one line, for people: function, its arguments by name, result. Bits are told by their number, an
+// argument that was not given is left out.
 #pragma once
 
 #include <string>
