@@ -1,6 +1,6 @@
-// Coverage.cpp - scan conversion by exact integer arithmetic. The drawing libraries at hand sample edges with rounded slopes and
-// so light pixels next to the ones that the platform's rule names; here every crossing of an edge and a pixel row is a
-// fraction whose numerator is carried from row to row, so that the same path gives the same pixels everywhere.
+// Coverage.cpp - scan conversion by exact integer arithmetic. The drawing libraries at hand light other pixels than the platform's
+// rule names (docs/engine-choices.md says which); here every crossing of an edge and a pixel row is a fraction whose numerator
+// is carried from row to row, so that the same path gives the same pixels everywhere.
 #include "engine/pixels/Coverage.h"
 
 #include <algorithm>
