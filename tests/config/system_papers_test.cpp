@@ -16,8 +16,12 @@ struct SystemPapers : testing::Test {
     int width = -5;
     int height = -6;
 
-    SystemPapers() { hostState().forms = {{TEXT("A4"), {210000, 297000}}, {TEXT("Odd"), {215900, 279999}}, {TEXT("Last"), {1000, 2000}}}; }
     bool ask(int index) { return MvSystemPapers::getSizeDimensions(index, &width, &height); }
+};
+
+// A spooler that knows three forms.
+struct SimulatedPapers : SystemPapers {
+    SimulatedPapers() { hostState().forms = {{TEXT("A4"), {210000, 297000}}, {TEXT("Odd"), {215900, 279999}}, {TEXT("Last"), {1000, 2000}}}; }
 };
 
 const std::string kInvalid = "MvSystemPapers::getSizeDimensions, invalid parameters\n";
@@ -34,14 +38,14 @@ TEST_F(SystemPapers, invalidParameters_areRefused) {
     EXPECT_EQ(height, -6);
 }
 
-TEST_F(SystemPapers, lastForm_isNeverGiven) {
+TEST_F(SimulatedPapers, lastForm_isNeverGiven) {
     EXPECT_FALSE(ask(3));
     EXPECT_FALSE(ask(4));
     EXPECT_EQ(width, -5);
     EXPECT_TRUE(debug.has("MvSystemPapers::getSizeDimensions, iIndex=3, width=0, height=0, bRet=0\n"));
 }
 
-TEST_F(SystemPapers, forms_countFromOneInWholeMillimetres) {
+TEST_F(SimulatedPapers, forms_countFromOneInWholeMillimetres) {
     EXPECT_TRUE(ask(1));
     EXPECT_EQ(width, 210);
     EXPECT_EQ(height, 297);
@@ -51,7 +55,7 @@ TEST_F(SystemPapers, forms_countFromOneInWholeMillimetres) {
     EXPECT_TRUE(debug.has("MvSystemPapers::getSizeDimensions, iIndex=2, width=215, height=279, bRet=1\n"));
 }
 
-TEST_F(SystemPapers, serverThatCannotBeReached_givesNothing) {
+TEST_F(SimulatedPapers, serverThatCannotBeReached_givesNothing) {
     for (const char* function : {"OpenPrinterW", "EnumFormsW"}) {
         hostState().refusals = {{function, ERROR_ACCESS_DENIED}};
         EXPECT_FALSE(ask(1)) << function;
@@ -59,7 +63,7 @@ TEST_F(SystemPapers, serverThatCannotBeReached_givesNothing) {
     }
 }
 
-TEST_F(SystemPapers, noForms_giveNothing) {
+TEST_F(SimulatedPapers, noForms_giveNothing) {
     hostState().forms.clear();
     EXPECT_FALSE(ask(1));
 }

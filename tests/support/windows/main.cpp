@@ -3,7 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string_view>
+
+#include "support/windows/MutexHolder.h"
+
 int main(int argc, char** argv) {
+    if (argc == 3 && std::string_view(argv[1]) == morvil::test::kHoldMutexOption) return morvil::test::holdMutex(argv[2]);
     testing::InitGoogleMock(&argc, argv);
     return RUN_ALL_TESTS();
 }
