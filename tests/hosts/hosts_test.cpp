@@ -148,7 +148,7 @@ std::vector<std::string> messages(const std::string& log) {
     static const std::regex address(
         "\\b((?:pPDev(?:Old|New|->hBitmap)?|pso(?:Dst|Src|Mask)?|psoMask->pvBits|prclDest|pvBits|dhsurf|hsurf|dhpdev|hdev|hPalette|pulXLate|HBitmap|pPlotDMIn|hMem\\w+DC|pca|pptlSrc|"
         "pulDither|pPrinterConfig|pBuffer|ghInstance|Handle|Spool)=)[0-9A-F]+\\b(?!:)");
-    static const std::regex process("(ProcessID|PID|Instance|ID)=[0-9A-F]+");
+    static const std::regex process("\\b(ProcessID|PID|Instance|ID)=[0-9A-F]+");
     static const std::regex user("(UserName|ProcessOwner|User)=[^,]*");
     std::vector<std::string> list;
     std::istringstream lines(log);
