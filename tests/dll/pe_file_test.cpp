@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "config/CMvFsServices.h"
 #include "platform/platform.h"
 
 namespace {
@@ -131,6 +132,12 @@ TEST_F(DriverFile, carries_its_version) {
     EXPECT_EQ(fixed.dwFileType, static_cast<DWORD>(VFT_DRV));
     ASSERT_TRUE(VerQueryValueW(block.data(), L"\\StringFileInfo\\040904b0\\FileVersion", &value, &length));
     EXPECT_STREQ(static_cast<const wchar_t*>(value), L"6.0.0.0");
+}
+
+// The same version as the driver writes it into the main ini file.
+TEST_F(DriverFile, is_found_by_the_driver_in_its_version) {
+    const std::string narrow = MORVIL_DLL;
+    EXPECT_EQ(morvil::CMvFsServices().getFileVersion(std::wstring(narrow.begin(), narrow.end()).c_str()), L"6.00.0.00");
 }
 
 TEST_F(DriverFile, loads_and_offers_its_table) {
