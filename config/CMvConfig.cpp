@@ -15,17 +15,21 @@ constexpr std::size_t kMostFolderCharacters = 258;
 constexpr const WCHAR* kUserSetup = TEXT("UserSetup");
 constexpr const WCHAR* kActingVersion = TEXT("actVersion");
 
-void append(WString& text, WStringView part) { text.append(part); }
+bool append(Path& path, std::size_t& length, WStringView part) {
+    if (part.size() >= path.size() - length) return false;
+    part.copy(path.data() + length, part.size());
+    length += part.size();
+    return true;
+}
 
 // The parts put together; empty when the first of them is empty or the whole does not fit.
 template <typename... Parts>
 Path joined(const Path& base, const Parts&... parts) {
-    WString text(viewOf(base));
     Path path{};
-    if (text.empty()) return path;
-    (append(text, parts), ...);
-    if (text.size() < path.size()) copyText(path, text);
-    return path;
+    std::size_t length = 0;
+    if (base[0] == 0) return path;
+    const bool fits = append(path, length, viewOf(base)) && (append(path, length, parts) && ...);
+    return fits ? path : Path{};
 }
 
 // A folder that exists is left as it is.

@@ -99,9 +99,9 @@ float CMvString::asFloat(const WCHAR* text) {
     }
     // The category is put back to the name that this call returns, which is "C" itself: it stays "C" from here on.
     const char* const name = std::setlocale(LC_NUMERIC, "C");
-    copyText(m_buffer, text);
-    std::replace(m_buffer.begin(), m_buffer.end(), TEXT(','), TEXT('.'));
-    const std::optional<float> value = scanFloat(viewOf(m_buffer));
+    const WStringView source = viewOf(text).substr(0, m_capacity - 1);
+    const auto end = std::replace_copy(source.begin(), source.end(), m_buffer.begin(), TEXT(','), TEXT('.'));
+    const std::optional<float> value = scanFloat({m_buffer.begin(), end});
     if (!value) reportConversion(TEXT("asFloat"), text);
     std::setlocale(LC_NUMERIC, name == nullptr ? "" : name);
     return value.value_or(0.0F);

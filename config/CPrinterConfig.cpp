@@ -102,11 +102,12 @@ CPrinterConfig::~CPrinterConfig() = default;
 bool CPrinterConfig::select(const WCHAR* name) {
     const WStringView wanted = viewOf(name);
     if (!wanted.empty() && !nameAccepted(wanted)) return false;
-    m->root = wanted.empty() ? WString(keys::kActiveRoot) : format(keys::kStoredRoot, wanted);
+    m->rootText = wanted.empty() ? WString(keys::kActiveRoot) : format(keys::kStoredRoot, wanted);
+    m->root = ItemPath(m->rootText.c_str());
     return true;
 }
 
-bool CPrinterConfig::configurationExists(const WCHAR* name) { return select(name) && m->items().exists(m->root); }
+bool CPrinterConfig::configurationExists(const WCHAR* name) { return select(name) && m->items().root() != nullptr; }
 
 bool CPrinterConfig::getConfig(const WCHAR* name, ConfigurationRecord& record) {
     std::setlocale(LC_ALL, "C");
@@ -127,7 +128,7 @@ bool CPrinterConfig::load(ConfigurationRecord& record, Repair repair) {
     if (readValid(record)) return true;
     // The repair writes the active configuration; it cannot help a stored one, and must not cost the user his settings.
     if (!m->active()) {
-        logMorvil(1, kError, TEXT("CPrinterConfig::getConfig, configuration %s is not valid"), m->root, kLogEnd);
+        logMorvil(1, kError, TEXT("CPrinterConfig::getConfig, configuration %s is not valid"), m->root.text(), kLogEnd);
         return false;
     }
     if (repair == Repair::Done) return useDefaults(record);

@@ -24,8 +24,9 @@ WString applicationList(const JobIdentification& job, int format) {
     const std::span<const WCHAR> field(job.formats[format - 1]);
     if (viewOf(field).size() + 1 < field.size()) return WString(viewOf(field));
     CXml store;
-    ConfigurationItems items(store, keys::kActiveRoot);
-    return items.uncut(items.pathOf(keys::kJobFormat, format - 1), field);
+    const ItemPath root(keys::kActiveRoot);
+    ConfigurationItems items(store, root);
+    return items.uncut(items.element(keys::kJobFormat, format - 1), field);
 }
 
 int jobNameFormatOf(const JobIdentification& job, const WCHAR* executable) {

@@ -1,13 +1,13 @@
 #include "config/CPrinterConfigItems.h"
 
+#include <algorithm>
+
 #include "config/CMvString.h"
 #include "platform/common/Format.h"
 
 namespace morvil {
 
 namespace {
-
-constexpr WStringView kRootMark = TEXT("%s");
 
 template <typename T>
 T fromText(const WCHAR* text);
@@ -54,48 +54,67 @@ bool inRange(const keys::NumberKey<T>& key, T value) {
 
 }  // namespace
 
-WString ConfigurationItems::pathOf(const WCHAR* key) const {
-    const WStringView path = viewOf(key);
-    if (!path.starts_with(kRootMark)) return WString(path);
+WString ConfigurationItems::pathOf(const keys::KeyPath& key) const {
     WString whole;
-    whole.reserve(m_root.size() + path.size());
-    return whole.append(m_root).append(path.substr(kRootMark.size()));
+    if (key.isBelowRoot()) whole.append(m_root.text()).append(TEXT("."));
+    return whole.append(key.item().text());
 }
 
-WString ConfigurationItems::pathOf(const WCHAR* key, int number) const { return format(pathOf(key), number); }
+WString ConfigurationItems::pathOf(const keys::ListKey& key, int number) const {
+    return format(TEXT("%s.%s%d"), pathOf(key.parent), key.name, number);
+}
 
-bool ConfigurationItems::exists(const WString& path) { return m_store.first(path.c_str()) != nullptr; }
+std::size_t ConfigurationItems::lengthOf(const keys::KeyPath& key) const {
+    return (key.isBelowRoot() ? m_root.text().size() + 1 : 0) + key.item().text().size();
+}
 
-bool ConfigurationItems::read(const WString& path, Value& value, const WCHAR* attribute) {
-    return m_store.getItem(path.c_str(), value.data(), attribute);
+const XmlNode* ConfigurationItems::root() const { return m_root.empty() ? nullptr : findBelow(m_store.top(), m_root.names()); }
+
+// What a path that is put together is too long for is missing here as well.
+const XmlNode* ConfigurationItems::element(const keys::KeyPath& key) const {
+    if (!key.isBelowRoot()) return findBelow(m_store.top(), key.item().names());
+    if (lengthOf(key) > ItemPath::kMostCharacters) return nullptr;
+    const std::size_t most = ItemPath::kMostNames - m_root.names().size();
+    return findBelow(root(), key.item().names().first(std::min(most, key.item().names().size())));
+}
+
+const XmlNode* ConfigurationItems::element(const keys::ListKey& key, int number) const {
+    const XmlNode* const parent = element(key.parent);
+    if (parent == nullptr) return nullptr;
+    const WString name = format(TEXT("%s%d"), key.name, number);
+    return lengthOf(key.parent) + 1 + name.size() > ItemPath::kMostCharacters ? nullptr : findChild(*parent, name);
+}
+
+bool ConfigurationItems::read(const XmlNode* element, Value& value, const WCHAR* attribute) {
+    return m_store.readAttribute(element, value.data(), attribute);
 }
 
 template <typename T>
 std::optional<T> ConfigurationItems::find(const keys::NumberKey<T>& key) {
     Value value;
-    if (!read(pathOf(key.path), value, key.attribute)) return std::nullopt;
+    if (!read(element(key.path), value, key.attribute)) return std::nullopt;
     const T number = fromText<T>(value.data());
     return inRange(key, number) ? number : key.outside;
 }
 
 bool ConfigurationItems::boolean(const keys::BooleanKey& key) {
     Value value;
-    return read(pathOf(key.path), value) ? CMvString().asBoolean(value.data()) : key.missing;
+    return read(element(key.path), value) ? CMvString().asBoolean(value.data()) : key.missing;
 }
 
 WString ConfigurationItems::text(const keys::TextKey& key) {
     Value value;
-    if (!read(pathOf(key.path), value)) return key.missing;
+    if (!read(element(key.path), value)) return key.missing;
     const WStringView found = viewOf(value.data());
     if (found.size() < key.shortest || found.size() > key.longest) return key.missing;
     return WString(found);
 }
 
-WString ConfigurationItems::uncut(const WString& path, std::span<const WCHAR> field) {
+WString ConfigurationItems::uncut(const XmlNode* element, std::span<const WCHAR> field) {
     const WStringView text = viewOf(field);
-    Value whole{};
+    Value whole;
     const bool full = text.size() + 1 >= field.size();
-    if (!full || !read(path, whole) || !viewOf(whole.data()).starts_with(text)) return WString(text);
+    if (!full || !read(element, whole) || !viewOf(whole.data()).starts_with(text)) return WString(text);
     return WString(viewOf(whole.data()));
 }
 
@@ -120,7 +139,7 @@ bool ConfigurationItems::put(const WString& path, WStringView value, const WCHAR
     return m_store.putItem(path.c_str(), WString(value).c_str(), attribute);
 }
 
-bool ConfigurationItems::remove(const WString& path) { return !exists(path) || m_store.removeItem(path.c_str()); }
+bool ConfigurationItems::remove(const keys::KeyPath& key) { return element(key) == nullptr || m_store.removeItem(pathOf(key).c_str()); }
 
 template std::optional<std::uint32_t> ConfigurationItems::find(const keys::NumberKey<std::uint32_t>&);
 template std::optional<std::int32_t> ConfigurationItems::find(const keys::NumberKey<std::int32_t>&);

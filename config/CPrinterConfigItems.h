@@ -33,15 +33,21 @@ class ConfigurationItems {
   public:
     using Value = std::array<WCHAR, CXml::kValueCharacters>;
 
-    ConfigurationItems(CXml& store, WStringView root) : m_store(store), m_root(root) {}
+    // Points into `root`.
+    ConfigurationItems(CXml& store, const ItemPath& root) : m_store(store), m_root(root) {}
 
-    // The item path of a key: "%s" becomes the root, "%d" the number.
-    [[nodiscard]] WString pathOf(const WCHAR* key) const;
-    [[nodiscard]] WString pathOf(const WCHAR* key, int number) const;
+    // The item path of a key, or of the element of a list that bears the number.
+    [[nodiscard]] WString pathOf(const keys::KeyPath& key) const;
+    [[nodiscard]] WString pathOf(const keys::ListKey& key, int number) const;
 
-    // Whether the element exists, with or without a value.
-    [[nodiscard]] bool exists(const WString& path);
-    [[nodiscard]] bool read(const WString& path, Value& value, const WCHAR* attribute = keys::kValue);
+    // Looking up what the document holds, without putting a path together for it. Null for what is missing, and what holds
+    // until the next change.
+    [[nodiscard]] const XmlNode* root() const;
+    [[nodiscard]] const XmlNode* element(const keys::KeyPath& key) const;
+    [[nodiscard]] const XmlNode* element(const keys::ListKey& key, int number) const;
+
+    // False when the element or the attribute is missing.
+    [[nodiscard]] bool read(const XmlNode* element, Value& value, const WCHAR* attribute = keys::kValue);
 
     // Nothing when the item is missing; else the key's range is applied.
     template <typename T>
@@ -53,9 +59,9 @@ class ConfigurationItems {
     [[nodiscard]] bool boolean(const keys::BooleanKey& key);
     [[nodiscard]] WString text(const keys::TextKey& key);
 
-    // The text that belongs behind what a fixed field holds: a field that is full may have been cut there, and then the text
-    // that stands at `path` and begins so is the whole of it.
-    [[nodiscard]] WString uncut(const WString& path, std::span<const WCHAR> field);
+    // The text that belongs behind what a fixed field holds: a field that is full may have been cut there, and then the value
+    // of `element`, if that begins so, is the whole of it.
+    [[nodiscard]] WString uncut(const XmlNode* element, std::span<const WCHAR> field);
 
     // False without writing when the value does not fit the key; else the result of putting the item.
     template <typename T>
@@ -67,11 +73,13 @@ class ConfigurationItems {
     // Refuses what the file cannot hold: nothing is escaped in it, so "<", "&" and quotation marks would break it.
     bool put(const WString& path, WStringView value, const WCHAR* attribute = keys::kValue);
     // Removes an element with everything below it; true when there is none.
-    bool remove(const WString& path);
+    bool remove(const keys::KeyPath& key);
 
   private:
+    [[nodiscard]] std::size_t lengthOf(const keys::KeyPath& key) const;
+
     CXml& m_store;
-    WStringView m_root;
+    const ItemPath& m_root;
 };
 
 }  // namespace morvil

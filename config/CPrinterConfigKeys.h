@@ -1,6 +1,6 @@
 // CPrinterConfigKeys.h - the key table of PrinterDriver.xml: path, attribute, what a missing item reads as, the accepted range
 // and what a value outside of it reads as. A path that begins with "%s" lies below the root of a configuration
-// (PrinterDriver.Configuration, or PrinterDriver.ConfigurationStore.NAME); "%d" numbers the items of a list. All constants.
+// (PrinterDriver.Configuration, or PrinterDriver.ConfigurationStore.NAME). All constants.
 //
 // The two keys that begin with "Print." are read from the top of the document. They lie outside PrinterDriver on purpose:
 // nothing of ours writes them, so in our own files their defaults always apply.
@@ -10,16 +10,40 @@
 #include <cstdint>
 #include <limits>
 
+#include "config/ItemPath.h"
 #include "platform/common/Text.h"
 
 namespace morvil::keys {
 
 inline constexpr const WCHAR* kValue = TEXT("value");
 
+// A path that is cut into its names when the program is built: each load looks up some eighty of them.
+class KeyPath {
+  public:
+    constexpr KeyPath(const WCHAR* text)  // NOLINT(google-explicit-constructor): the table below writes texts
+        : m_belowRoot(WStringView(text).starts_with(kRootMark)), m_item(m_belowRoot ? text + kRootMark.size() : text) {}
+
+    [[nodiscard]] constexpr bool isBelowRoot() const { return m_belowRoot; }
+    // Without the root when it lies below that.
+    [[nodiscard]] constexpr const ItemPath& item() const { return m_item; }
+
+  private:
+    static constexpr WStringView kRootMark = TEXT("%s.");
+
+    bool m_belowRoot;
+    ItemPath m_item;
+};
+
+// Elements of one name with a number behind it, in a common parent.
+struct ListKey {
+    KeyPath parent;
+    WStringView name;
+};
+
 // T is one of the types that CMvString converts: 32- or 16-bit whole numbers, or float.
 template <typename T>
 struct NumberKey {
-    const WCHAR* path;
+    KeyPath path;
     const WCHAR* attribute = kValue;
     T missing{};
     T low = std::numeric_limits<T>::lowest();
@@ -29,13 +53,13 @@ struct NumberKey {
 };
 
 struct BooleanKey {
-    const WCHAR* path;
+    KeyPath path;
     bool missing = false;
 };
 
 // Lengths count without the terminator. A text outside of them reads as `missing`; a setter refuses it.
 struct TextKey {
-    const WCHAR* path;
+    KeyPath path;
     const WCHAR* missing;
     std::size_t shortest = 0;
     std::size_t longest = kPathCharacters - 1;
@@ -58,7 +82,7 @@ inline constexpr TextKey kMaterialName{.path = TEXT("%s.Print.MaterialSettings.N
 
 // Read as it stands: a mode outside of the list makes the whole record invalid.
 inline constexpr NumberKey<std::uint16_t> kProcessMode{.path = TEXT("%s.Print.Process.ProcessMode.ID"), .missing = 1000};
-inline constexpr const WCHAR* kMciVersion = TEXT("Print.Process.ProcessMode.MciVersion");
+inline constexpr KeyPath kMciVersion = TEXT("Print.Process.ProcessMode.MciVersion");
 
 // Missing is a failure of its own (ConfigurationError 10000). An index above 5 reads as 2: 500 dpi.
 inline constexpr NumberKey<std::uint16_t> kResolution{
@@ -83,8 +107,8 @@ inline constexpr BooleanKey kVectorJob{.path = TEXT("%s.Print.Process.ProcessOpt
 inline constexpr NumberKey<std::uint32_t> kPpoThreshold{.path = TEXT("Print.Process.ProcessOption.PPOTreshold"), .missing = 50000};
 
 // Colour list: an entry needs all four attributes.
-inline constexpr const WCHAR* kColours = TEXT("%s.Print.Process.Colors");
-inline constexpr const WCHAR* kColour = TEXT("%s.Print.Process.Colors.%d");
+inline constexpr KeyPath kColours = TEXT("%s.Print.Process.Colors");
+inline constexpr ListKey kColour{.parent = kColours, .name = TEXT("")};
 inline constexpr std::array kColourAttributes{TEXT("red"), TEXT("green"), TEXT("blue"), TEXT("mode")};
 
 // ---- halftone -----------------------------------------------------------------------------------------------------------
@@ -125,7 +149,7 @@ inline constexpr BooleanKey kQuickPrint{.path = TEXT("%s.Print.QuickPrint")};
 inline constexpr NumberKey<std::int32_t> kJobIndex{.path = TEXT("%s.About.JobIdentification.Index")};
 inline constexpr NumberKey<std::int32_t> kJobNumber{.path = TEXT("%s.About.JobIdentification.Number")};
 inline constexpr TextKey kJobName{.path = TEXT("%s.About.JobIdentification.Name"), .missing = TEXT("MorvilJob")};
-inline constexpr const WCHAR* kJobFormat = TEXT("PrinterDriver.Configuration.About.JobIdentification.Format_%d");
+inline constexpr ListKey kJobFormat{.parent = TEXT("PrinterDriver.Configuration.About.JobIdentification"), .name = TEXT("Format_")};
 
 // ---- keys of the whole driver -------------------------------------------------------------------------------------------
 inline constexpr NumberKey<std::int32_t> kBezierSupport{.path = TEXT("PrinterDriver.Bezier.Support")};
@@ -136,12 +160,12 @@ inline constexpr BooleanKey kLoggingEnable{.path = TEXT("PrinterDriver.Logging.E
 inline constexpr NumberKey<std::uint16_t> kLoggingDebugLevel{.path = TEXT("PrinterDriver.Logging.DebugLevel")};
 inline constexpr NumberKey<std::uint32_t> kLoggingFileSize{.path = TEXT("PrinterDriver.Logging.FileSize"), .missing = 1'000'000};
 
-inline constexpr const WCHAR* kFlags = TEXT("PrinterDriver.Flags");
-inline constexpr const WCHAR* kFlag = TEXT("PrinterDriver.Flags.FL_%d");  // numbered from 1
-inline constexpr int kMostFlags = 19;                                     // FL_20 and above are never read
+inline constexpr KeyPath kFlags = TEXT("PrinterDriver.Flags");
+inline constexpr ListKey kFlag{.parent = kFlags, .name = TEXT("FL_")};  // numbered from 1
+inline constexpr int kMostFlags = 19;                                   // FL_20 and above are never read
 inline constexpr BooleanKey kDiagnosticEnable{.path = TEXT("PrinterDriver.Diagnostic.Enable")};
-inline constexpr const WCHAR* kSignals = TEXT("PrinterDriver.Diagnostic.Signals");
-inline constexpr const WCHAR* kSignal = TEXT("PrinterDriver.Diagnostic.Signals.FL_%d");  // numbered from 0
+inline constexpr KeyPath kSignals = TEXT("PrinterDriver.Diagnostic.Signals");
+inline constexpr ListKey kSignal{.parent = kSignals, .name = TEXT("FL_")};  // numbered from 0
 inline constexpr int kMostSignals = 256;
 
 inline constexpr TextKey kVersion{.path = TEXT("PrinterDriver.Version"), .missing = TEXT("6.0.0.0")};
@@ -154,8 +178,8 @@ inline constexpr std::array kBoundingBoxOffsets{
 
 // Colour matching of vectors. Colours are texts: "0x" and eight upper-case digits, 00BBGGRR.
 inline constexpr BooleanKey kColourMatchingEnabled{.path = TEXT("PrinterDriver.ColorMatching.Enabled")};
-inline constexpr const WCHAR* kGreyVectors = TEXT("PrinterDriver.ColorMatching.GrayscaledVectors");
+inline constexpr KeyPath kGreyVectors = TEXT("PrinterDriver.ColorMatching.GrayscaledVectors");
 inline constexpr const WCHAR* kGreyVectorsAttribute = TEXT("MappTo");
-inline constexpr const WCHAR* kColourMatchingItem = TEXT("PrinterDriver.ColorMatching.Item%d");
+inline constexpr ListKey kColourMatchingItem{.parent = TEXT("PrinterDriver.ColorMatching"), .name = TEXT("Item")};
 
 }  // namespace morvil::keys

@@ -11,19 +11,19 @@ namespace morvil {
 namespace {
 
 template <typename Field>
-bool readColour(ConfigurationItems& items, const WString& path, const WCHAR* attribute, Field& field) {
-    ConfigurationItems::Value value{};
-    if (!items.read(path, value, attribute)) return false;
+bool readColour(ConfigurationItems& items, const XmlNode* element, const WCHAR* attribute, Field& field) {
+    ConfigurationItems::Value value;
+    if (!items.read(element, value, attribute)) return false;
     // A colour is a byte in the record: what a byte cannot hold is as bright as can be.
     field = static_cast<Field>(std::min<std::uint16_t>(CMvString().asUnsignedShort(value.data()), 0xFF));
     return true;
 }
 
-bool readEntry(ConfigurationItems& items, const WString& path, VectorColour& entry) {
+bool readEntry(ConfigurationItems& items, const XmlNode* element, VectorColour& entry) {
     const auto& [red, green, blue, mode] = keys::kColourAttributes;
-    ConfigurationItems::Value value{};
-    if (!readColour(items, path, red, entry.red) || !readColour(items, path, green, entry.green)) return false;
-    if (!readColour(items, path, blue, entry.blue) || !items.read(path, value, mode)) return false;
+    ConfigurationItems::Value value;
+    if (!readColour(items, element, red, entry.red) || !readColour(items, element, green, entry.green)) return false;
+    if (!readColour(items, element, blue, entry.blue) || !items.read(element, value, mode)) return false;
     entry.mode = static_cast<WORD>(CMvString().asShort(value.data()));
     return true;
 }
@@ -40,15 +40,15 @@ bool writeEntry(ConfigurationItems& items, const WString& path, const VectorColo
 
 DWORD CPrinterConfig::getFlags() {
     ConfigurationItems items = m->items();
-    ConfigurationItems::Value name{};
+    ConfigurationItems::Value name;
     DWORD mask = 0;
-    for (int n = 1; n <= keys::kMostFlags && items.read(items.pathOf(keys::kFlag, n), name); ++n) mask |= flagBit(viewOf(name.data()));
+    for (int n = 1; n <= keys::kMostFlags && items.read(items.element(keys::kFlag, n), name); ++n) mask |= flagBit(viewOf(name.data()));
     return mask;
 }
 
 bool CPrinterConfig::setFlags(DWORD flags) {
     return m->write([&](ConfigurationItems& items) {
-        if (!items.remove(items.pathOf(keys::kFlags))) return false;
+        if (!items.remove(keys::kFlags)) return false;
         int n = 0;
         for (const FlagName& flag : flagNames()) {
             if ((flags & flag.bit) == 0) continue;
@@ -62,10 +62,10 @@ DiagnosticBlock CPrinterConfig::getDiagnostic() {
     ConfigurationItems items = m->items();
     DiagnosticBlock diagnostic{};
     diagnostic.enabled = items.boolean(keys::kDiagnosticEnable) ? 1 : 0;
-    if (!items.exists(items.pathOf(keys::kSignals))) return diagnostic;
+    if (items.element(keys::kSignals) == nullptr) return diagnostic;
     for (int n = 0; n < keys::kMostSignals; ++n) {
-        ConfigurationItems::Value value{};
-        if (!items.read(items.pathOf(keys::kSignal, n), value)) continue;
+        ConfigurationItems::Value value;
+        if (!items.read(items.element(keys::kSignal, n), value)) continue;
         const std::int32_t signal = CMvString().asInt(value.data());
         if (signal < 0 || signal >= keys::kMostSignals) continue;
         BYTE& byte = diagnostic.signals[signal / 8];
@@ -77,7 +77,7 @@ DiagnosticBlock CPrinterConfig::getDiagnostic() {
 bool CPrinterConfig::setDiagnostic(const DiagnosticBlock& diagnostic) {
     logMorvil(1, kInformation, TEXT("setDiagnostic, %d"), diagnostic.enabled, kLogEnd);
     const bool written = m->write([&](ConfigurationItems& items) {
-        if (!items.put(keys::kDiagnosticEnable, diagnostic.enabled != 0) || !items.remove(items.pathOf(keys::kSignals))) return false;
+        if (!items.put(keys::kDiagnosticEnable, diagnostic.enabled != 0) || !items.remove(keys::kSignals)) return false;
         int n = 0;
         for (int signal = 0; signal < keys::kMostSignals; ++signal) {
             if ((diagnostic.signals[signal / 8] >> (signal % 8) & 1) == 0) continue;
@@ -94,14 +94,14 @@ WORD CPrinterConfig::getColours(VectorColour (&colours)[kVectorColours]) {
     std::ranges::fill(colours, VectorColour{});
     WORD count = 0;
     VectorColour entry{};
-    while (count < kVectorColours && readEntry(items, items.pathOf(keys::kColour, count), entry)) colours[count++] = entry;
+    while (count < kVectorColours && readEntry(items, items.element(keys::kColour, count), entry)) colours[count++] = entry;
     return count;
 }
 
 bool CPrinterConfig::setColours(const VectorColour (&colours)[kVectorColours], WORD count) {
     if (count > kVectorColours) return false;
     return m->write([&](ConfigurationItems& items) {
-        if (!items.remove(items.pathOf(keys::kColours))) return false;
+        if (!items.remove(keys::kColours)) return false;
         for (int n = 0; n < count; ++n) {
             if (!writeEntry(items, items.pathOf(keys::kColour, n), colours[n])) return false;
         }

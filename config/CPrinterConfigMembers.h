@@ -13,7 +13,8 @@ struct CPrinterConfig::Members {
 
     CMvConfig folders;
     std::unique_ptr<CXml> store;
-    WString root = keys::kActiveRoot;
+    WString rootText = keys::kActiveRoot;
+    ItemPath root{rootText.c_str()};
     CSizeTemplate* templates = nullptr;           // the process's reader, or
     std::unique_ptr<CSizeTemplate> ownTemplates;  // one that lives as long as this object
 
@@ -38,7 +39,7 @@ struct CPrinterConfig::Members {
         const bool done = change(target);
         return changes.end() && done;
     }
-    [[nodiscard]] bool active() const { return root == keys::kActiveRoot; }
+    [[nodiscard]] bool active() const { return root.text() == keys::kActiveRoot; }
 
     // ((hour * 256 + minute) * 256 + second) * 256 + milliseconds, local time.
     static DWORD timeStampNow();

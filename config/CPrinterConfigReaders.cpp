@@ -50,7 +50,7 @@ DWORD CPrinterConfig::getMciVersion(WORD processMode) {
     if (processMode != kModeColourStamp) return kNewest;
     ConfigurationItems::Value value{};
     ConfigurationItems items = m->items();
-    if (!items.read(items.pathOf(keys::kMciVersion), value)) return kNewest;
+    if (!items.read(items.element(keys::kMciVersion), value)) return kNewest;
     if (CMvString().toLower(value.data()) == nullptr) return kNewest;
     const WStringView version = viewOf(value.data()).substr(0, 4);
     const auto isOneOf = [version](auto... names) { return ((version == names) || ...); };
@@ -124,8 +124,8 @@ JobIdentification CPrinterConfig::getJobIdentification() {
     job.number = items.number(keys::kJobNumber);
     copyText(job.name, items.text(keys::kJobName));
     for (std::size_t i = 0; i < kFormatCount; ++i) {
-        ConfigurationItems::Value list{};
-        if (items.read(items.pathOf(keys::kJobFormat, static_cast<int>(i)), list)) copyText(job.formats[i], viewOf(list.data()));
+        ConfigurationItems::Value list;
+        if (items.read(items.element(keys::kJobFormat, static_cast<int>(i)), list)) copyText(job.formats[i], viewOf(list.data()));
     }
     return job;
 }

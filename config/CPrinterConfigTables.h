@@ -27,7 +27,7 @@ WORD resolutionOf(WORD index);
 std::optional<WORD> resolutionIndexOf(WORD dpi);
 
 struct FlagName {
-    const WCHAR* name;
+    WStringView name;
     DWORD bit;
 };
 // In the order in which flags are written.

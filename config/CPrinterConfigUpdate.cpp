@@ -43,7 +43,7 @@ WString driverFileVersion() {
 
 void logVersions(ConfigurationItems& items) {
     ConfigurationItems::Value version{};
-    if (!items.read(items.pathOf(keys::kVersion.path), version)) return;
+    if (!items.read(items.element(keys::kVersion.path), version)) return;
     const WString driver = driverFileVersion();
     if (driver.empty()) return;
     const ForcedLogging forced;

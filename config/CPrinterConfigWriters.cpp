@@ -29,7 +29,7 @@ bool CPrinterConfig::setSizeTemplate(const SizeTemplate& size) {
     return m->write([&](Items& items) {
         return items.put(keys::kWidth, size.width) && items.put(keys::kHeight, size.height) &&
                put(items, keys::kTemplateIndex, size.index) && items.put(keys::kTakeFromApplication, size.takeFromApplication != 0) &&
-               items.put(keys::kTemplateName, items.uncut(items.pathOf(keys::kTemplateName.path), size.name));
+               items.put(keys::kTemplateName, items.uncut(items.element(keys::kTemplateName.path), size.name));
     });
 }
 
@@ -61,7 +61,7 @@ bool CPrinterConfig::setShoulderName(const WCHAR* name) {
 }
 
 bool CPrinterConfig::removeShoulderName() {
-    return m->write([&](Items& items) { return items.remove(items.pathOf(keys::kShoulderName.path)); });
+    return m->write([&](Items& items) { return items.remove(keys::kShoulderName.path); });
 }
 
 bool CPrinterConfig::setShoulderIndex(LONG index) {
@@ -129,8 +129,9 @@ bool CPrinterConfig::setJobIdentification(const JobIdentification& job) {
         if (!put(items, keys::kJobIndex, job.index) || !put(items, keys::kJobNumber, job.number)) return false;
         if (!items.put(keys::kJobName, name)) return false;
         for (std::size_t i = 0; i < kFormatCount; ++i) {
-            const WString path = items.pathOf(keys::kJobFormat, static_cast<int>(i));
-            if (!items.put(path, items.uncut(path, job.formats[i]))) return false;
+            const int n = static_cast<int>(i);
+            if (!items.put(items.pathOf(keys::kJobFormat, n), items.uncut(items.element(keys::kJobFormat, n), job.formats[i])))
+                return false;
         }
         return true;
     });

@@ -72,14 +72,9 @@ bool isUsable(WStringView path) {
     return std::all_of(path.begin(), path.end(), [](WCHAR unit) { return unit <= 0xFF; });
 }
 
-template <typename Document>
-auto* elementAt(Document& document, const ItemPath& item) {
-    auto* node = &document.root();
-    for (const WStringView name : item.names()) {
-        node = findChild(*node, name);
-        if (node == nullptr) break;
-    }
-    return item.empty() ? nullptr : node;
+// Null as well for a path without a name.
+const XmlNode* elementAt(const XmlDocument& document, const ItemPath& item) {
+    return item.empty() ? nullptr : findBelow(&document.root(), item.names());
 }
 
 }  // namespace
@@ -316,7 +311,7 @@ bool CXml::removeItem(const WCHAR* path) {
     debugPrint(TEXT("CXml::removeItem, pItem (%s)\n"), path);
     try {
         XmlDocument* const document = m->writable();
-        XmlNode* const node = document == nullptr ? nullptr : elementAt(*document, ItemPath(path));
+        auto* const node = document == nullptr ? nullptr : const_cast<XmlNode*>(elementAt(*document, ItemPath(path)));
         if (node == nullptr) return false;
         XmlDocument::removeChild(*node->parent, *node);
         m->moveTo(&document->root());  // the cursor may have stood inside
@@ -347,6 +342,8 @@ bool CXml::readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribu
     value[length] = 0;
     return true;
 }
+
+const XmlNode* CXml::top() const { return m->document == nullptr ? nullptr : &m->document->root(); }
 
 const XmlNode* CXml::first(const WCHAR* path) {
     m->moveTo(m->find(path));

@@ -50,6 +50,10 @@ class CXml {
     bool endChanges();
     bool readAttribute(const XmlNode* node, WCHAR* value, const WCHAR* attribute = TEXT("value"));
 
+    // The top of the document, for whoever looks for elements himself; null when there is none. Holds until the next reading or
+    // change.
+    [[nodiscard]] const XmlNode* top() const;
+
     // Walks the sibling elements of the named path in document order; the current element, or null at the end.
     const XmlNode* first(const WCHAR* path);
     const XmlNode* next();

@@ -45,6 +45,14 @@ XmlNode* findChild(XmlNode& node, WStringView name) { return const_cast<XmlNode*
 const XmlAttribute* findAttribute(const XmlNode& node, WStringView name) { return attributeOf(node, name); }
 XmlAttribute* findAttribute(XmlNode& node, WStringView name) { return const_cast<XmlAttribute*>(attributeOf(node, name)); }
 
+const XmlNode* findBelow(const XmlNode* node, std::span<const WStringView> names) {
+    for (const WStringView name : names) {
+        if (node == nullptr) break;
+        node = elementOf(*node, name);
+    }
+    return node;
+}
+
 const XmlNode* nextSameElement(const XmlNode& node) {
     for (const XmlNode* at = node.next; at != nullptr; at = at->next) {
         if (node.name && isElement(*at, *node.name)) return at;

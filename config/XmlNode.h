@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iterator>
 #include <optional>
+#include <span>
 
 #include "platform/common/Text.h"
 
@@ -111,6 +112,9 @@ const XmlNode* findChild(const XmlNode& node, WStringView name);
 XmlNode* findChild(XmlNode& node, WStringView name);
 const XmlAttribute* findAttribute(const XmlNode& node, WStringView name);
 XmlAttribute* findAttribute(XmlNode& node, WStringView name);
+
+// The element at the end of a chain of names below `node`; null when one of them is missing, or for null.
+const XmlNode* findBelow(const XmlNode* node, std::span<const WStringView> names);
 
 // The next element of the same name behind `node`; null for none.
 const XmlNode* nextSameElement(const XmlNode& node);

@@ -41,8 +41,7 @@ class LineReader {
         if (m_at >= m_text.size()) return false;
         line = {};
         line.begin = m_at;
-        line.end = m_at;
-        while (line.end < m_text.size() && !isLineEnd(m_text[line.end])) ++line.end;
+        line.end = endOfLine(m_at);
         line.next = line.end;
         if (line.next < m_text.size() && m_text[line.next] == TEXT('\r')) ++line.next;
         if (line.next < m_text.size() && m_text[line.next] == TEXT('\n')) ++line.next;
@@ -52,13 +51,20 @@ class LineReader {
     }
 
   private:
+    [[nodiscard]] std::size_t endOfLine(std::size_t at) const {
+        const WCHAR* const end = m_text.data() + m_text.size();
+        const WCHAR* here = m_text.data() + at;
+        while (here < end && (*here > TEXT('\r') || !isLineEnd(*here))) ++here;  // one look at most characters
+        return static_cast<std::size_t>(here - m_text.data());
+    }
+
     void classify(Line& line) const {
         const WStringView content = trimmed(m_text.substr(line.begin, line.end - line.begin));
         if (content.empty()) return;
-        const std::size_t bracket = content.rfind(TEXT(']'));
+        const std::size_t bracket = content.front() == TEXT('[') ? content.rfind(TEXT(']')) : WStringView::npos;
         if (content.front() == TEXT(';')) {
             line.kind = Line::Kind::Comment;
-        } else if (content.front() == TEXT('[') && bracket != WStringView::npos) {
+        } else if (bracket != WStringView::npos) {
             line.kind = Line::Kind::Section;
             line.name = trimmed(content.substr(1, bracket - 1));
         } else {

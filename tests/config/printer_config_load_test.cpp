@@ -360,4 +360,28 @@ TEST_F(PrinterConfigLoad, everyCallFailing_leavesUsableSettingsAndAWholeFile) {
     }
 }
 
+// A long name is cut in the file, but no item path may be longer than 260 characters.
+TEST_F(PrinterConfigLoad, storedConfiguration_whoseItemPathsAreTooLong_isNotThere) {
+    writeFile(
+        "<PrinterDriver><ConfigurationStore><aaaaaaaaaaaaaaaaaaa><Print><MaterialSettings><Group value=\"Oak\"/>"
+        "</MaterialSettings></Print></aaaaaaaaaaaaaaaaaaa></ConfigurationStore></PrinterDriver>");
+    const std::size_t root = viewOf(TEXT("PrinterDriver.ConfigurationStore.")).size();
+    const std::size_t group = viewOf(TEXT(".Print.MaterialSettings.Group")).size();
+    const struct {
+        std::size_t length;
+        bool exists;
+        const char* group;
+    } cases[] = {
+        {260 - root - group, true, "Oak"},
+        {261 - root - group, true, "Standard"},
+        {260 - root, true, "Standard"},
+        {261 - root, false, "Standard"},
+    };
+    for (const auto& tested : cases) {
+        CPrinterConfig config;
+        EXPECT_EQ(config.configurationExists(WString(tested.length, TEXT('a')).c_str()), tested.exists) << tested.length;
+        EXPECT_EQ(toUtf8(config.getMaterialGroup()), tested.group) << tested.length;
+    }
+}
+
 }  // namespace morvil::test
