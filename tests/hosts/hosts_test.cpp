@@ -9,6 +9,7 @@
 #include <fstream>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -129,20 +130,32 @@ TEST_P(Hosts, make_the_same_job_files) {
     EXPECT_TRUE(filesWith(s_folder / "windows" / name, "", ".tsa").empty());
 }
 
-std::vector<std::regex> forcedDifferences() {
-    std::vector<std::regex> list;
+struct Difference {
+    std::regex expression;
+    std::string text;
+};
+
+std::vector<Difference> forcedDifferences() {
+    std::vector<Difference> list;
     std::istringstream lines(read(MORVIL_DIFFERENCES));
     for (std::string line; std::getline(lines, line);) {
         if (line.empty() || line.front() == '#') continue;
         EXPECT_NE(line.find('\t'), std::string::npos) << "without a reason: " << line;
-        list.emplace_back(line.substr(0, line.find('\t')));
+        const std::string text = line.substr(0, line.find('\t'));
+        list.push_back({std::regex(text), text});
     }
     return list;
 }
 
+// Those that occurred; the list holds no others.
+std::set<std::string>& occurred() {
+    static std::set<std::string> texts;
+    return texts;
+}
+
 // One message a line, with what two runs cannot share taken out.
 std::vector<std::string> messages(const std::string& log) {
-    static const std::vector<std::regex> forced = forcedDifferences();
+    static const std::vector<Difference> forced = forcedDifferences();
     static const std::regex time("^\\d\\d:\\d\\d:\\d\\d\t");
     static const std::regex date("^(\t*)\\d\\d/\\d\\d/\\d\\d,");
     static const std::regex address(
@@ -159,7 +172,11 @@ std::vector<std::string> messages(const std::string& log) {
         line = std::regex_replace(line, address, "$1*");
         line = std::regex_replace(line, process, "$1=*");
         line = std::regex_replace(line, user, "$1=*");
-        for (const std::regex& difference : forced) line = std::regex_replace(line, difference, "*");
+        for (const Difference& difference : forced) {
+            const std::string left = std::regex_replace(line, difference.expression, "*");
+            if (left != line) occurred().insert(difference.text);
+            line = left;
+        }
         if (line != "\t*") list.push_back(line);  // a message that differs as a whole
     }
     return list;
@@ -178,6 +195,7 @@ TEST_P(Hosts, write_the_same_logs) {
         EXPECT_EQ(mine.size(), theirs.size()) << file;
     }
     EXPECT_EQ(here.size(), windows.size());
+    for (const Difference& difference : forcedDifferences()) EXPECT_TRUE(occurred().contains(difference.text)) << difference.text << " is not forced apart any more";
 }
 
 INSTANTIATE_TEST_SUITE_P(Recordings, Hosts, testing::ValuesIn(allCases()), [](const testing::TestParamInfo<Case>& tested) { return tested.param.name; });
