@@ -40,13 +40,25 @@ std::string registerQueue(const std::wstring& printer) {
 
 }  // namespace
 
-std::string installDriverFile(const fs::path& driverFile) {
+std::string installDriver(const std::wstring& name, const fs::path& driverFile) {
     const std::wstring folder = driverFolder();
     if (folder.empty()) return failed("GetPrinterDriverDirectory");
     std::error_code error;
     fs::create_directories(folder, error);
     fs::copy_file(driverFile, fs::path(folder) / L"morvil.dll", fs::copy_options::overwrite_existing, error);
-    return error ? "the driver file cannot be copied: " + error.message() : std::string();
+    if (error) return "the driver file cannot be copied: " + error.message();
+
+    std::wstring driverName = name;
+    std::wstring environment = L"Windows x64";
+    std::wstring driver = L"morvil.dll";
+    DRIVER_INFO_3W info{};
+    info.cVersion = kUserModeDriver;
+    info.pName = driverName.data();
+    info.pEnvironment = environment.data();
+    info.pDriverPath = driver.data();
+    info.pDataFile = driver.data();
+    info.pConfigFile = driver.data();  // the user interface has a package of its own; only its name matters here
+    return AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info), APD_COPY_ALL_FILES) == FALSE ? failed("AddPrinterDriverEx") : std::string();
 }
 
 std::string installPrinter(const std::wstring& name, const fs::path& driverFile) {
@@ -55,19 +67,7 @@ std::string installPrinter(const std::wstring& name, const fs::path& driverFile)
         ClosePrinter(there);
         return {};
     }
-    if (std::string failure = installDriverFile(driverFile); !failure.empty()) return failure;
-
-    std::wstring environment = L"Windows x64";
-    std::wstring driver = L"morvil.dll";
-    DRIVER_INFO_3W info{};
-    info.cVersion = kUserModeDriver;
-    info.pName = printer.data();
-    info.pEnvironment = environment.data();
-    info.pDriverPath = driver.data();
-    info.pDataFile = driver.data();
-    info.pConfigFile = driver.data();  // the user interface has a package of its own; only its name matters here
-    if (AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info), APD_COPY_NEW_FILES) == FALSE) return failed("AddPrinterDriverEx");
-
+    if (std::string failure = installDriver(name, driverFile); !failure.empty()) return failure;
     return registerQueue(printer);
 }
 

@@ -10,9 +10,9 @@
 namespace morvil::host {
 
 // Both: empty on success, else which call failed.
-// Puts the file where the spooler keeps drivers, in place of what an earlier run has left there.
-std::string installDriverFile(const std::filesystem::path& driverFile);
-// Does nothing when the printer is there.
+// Installs the file as the driver of that name, in place of what an earlier run has left in the spooler's folders.
+std::string installDriver(const std::wstring& name, const std::filesystem::path& driverFile);
+// Adds a queue of the driver's name, with the driver. Does nothing when the queue is there.
 std::string installPrinter(const std::wstring& name, const std::filesystem::path& driverFile);
 
 }  // namespace morvil::host

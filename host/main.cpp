@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "host/LoadedDriver.h"
 #include "host/Printer.h"
@@ -47,13 +48,19 @@ void collect(const fs::path& out) {
     }
 }
 
-bool run(const fs::path& driverFile, const fs::path& out, const fs::path& file) {
+// `installed`: the printers for which this run has installed the driver file.
+std::string install(const fs::path& driverFile, const std::wstring& printer, std::set<std::wstring>& installed) {
+    if (!installed.insert(printer).second) return {};
+    const std::string failure = host::installDriver(printer, driverFile);
+    return failure.empty() ? host::installPrinter(printer, driverFile) : failure;
+}
+
+bool run(const fs::path& driverFile, const fs::path& out, const fs::path& file, std::set<std::wstring>& installed) {
     std::string reason;
     const auto recording = trace::fromBytes(read(file), reason);
     if (recording) {
         restore(*recording);
-        reason = host::installDriverFile(driverFile);
-        if (reason.empty()) reason = host::installPrinter(std::wstring(recording->printer.begin(), recording->printer.end()), driverFile);
+        reason = install(driverFile, {recording->printer.begin(), recording->printer.end()}, installed);
         if (reason.empty()) reason = host::LoadedDriver(driverFile).play(*recording);
         collect(out / file.stem());
     }
@@ -83,7 +90,8 @@ int main(int count, char** arguments) {
     try {
         if (stressing) return runStress({arguments, arguments + count});
         bool done = true;
-        for (int i = 3; i < count; ++i) done = run(arguments[1], arguments[2], arguments[i]) && done;
+        std::set<std::wstring> installed;
+        for (int i = 3; i < count; ++i) done = run(arguments[1], arguments[2], arguments[i], installed) && done;
         return done ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "morvil.exe: %s\n", error.what());
