@@ -3,14 +3,14 @@
 //   StoreLoad/N      a store that is there reads anew: is there a file of debug switches, lock, open, read, close, parse into the
 //                    old document's memory, unlock.
 //   ConfigReload/N   a configuration object that is there fills the record: StoreLoad, two ini files are asked whether they are as
-//                    they were, and some eighty items are looked up and converted.
+//                    they were, and some fifty items are looked up and converted.
 //   ConfigLoad/N     the same with a new object: it first looks for the shared folders (nine questions to the system), opens the
 //                    mutex, and begins with a document without memory.
 // N stored configurations lie in the file beside the active one: 0, 20 and 200 are 2, 25 and 240 KB. The file lies in memory
 // (/dev/shm) where the machine offers that.
 // The counter times_pugixml is the processor time of a pass divided by that of a PugixmlParse, each the best of forty rounds that
-// take turns; 5 is the limit. Half of each pass is calls of the system, which cost the same for every file: lock, open, read, close
-// and unlock alone take as long as four parses of the 2 KB. What runs beside the benchmark on the same core slows the parse
+// take turns; 5 is the limit. The calls of the system cost much the same for every file: lock, open, read, close and
+// unlock alone take as long as four parses of the 2 KB. What runs beside the benchmark on the same core slows the parse
 // down and the system's calls less, so a busy machine shows too small a figure.
 #include <benchmark/benchmark.h>
 #include <unistd.h>

@@ -17,7 +17,7 @@ namespace morvil::keys {
 
 inline constexpr const WCHAR* kValue = TEXT("value");
 
-// A path that is cut into its names when the program is built: each load looks up some eighty of them.
+// A path that is cut into its names when the program is built: each load looks up some fifty of them.
 class KeyPath {
   public:
     constexpr KeyPath(const WCHAR* text)  // NOLINT(google-explicit-constructor): the table below writes texts
