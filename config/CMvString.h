@@ -34,8 +34,8 @@ class CMvString {
     // Replaces every occurrence in place. False, and nothing done, when `to` is longer than `from` or `from` is empty or too long.
     bool replace(WCHAR* text, const WCHAR* from, const WCHAR* to);
     // Takes `count` tokens in turn and copies the last of them, up to 259 characters, into `destination`; `rest` is where the
-    // next token begins, the end of the text when there is none. False, and nothing written, on wrong use (1 to 9 delimiters)
-    // and when the text has no such token left.
+    // next token begins, the end of the text when there is none. What lies behind the last token is an empty one. False, and
+    // nothing written, on wrong use (1 to 9 delimiters).
     bool nextToken(const WCHAR* source, const WCHAR* delimiters, WCHAR* destination, int count, const WCHAR** rest = nullptr);
 
   private:

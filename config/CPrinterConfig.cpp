@@ -28,15 +28,18 @@ bool isNameCharacter(WCHAR c) {
     return c == '_' || c == ':' || c == '-' || (c >= 0xC0 && c <= 0xFF && c != 0xD7 && c != 0xF7);
 }
 
-// Item paths hold 10 components, and the longest path below a stored configuration needs six besides the name.
-constexpr int kMostNameParts = 4;
+// What an item path has left for the name between the two elements above it and the deepest item of a configuration. A longer
+// name would push the last components of that out, and its neighbours would fall together with it on one element.
+constexpr std::size_t kElementsAboveName = 2;  // PrinterDriver.ConfigurationStore
+constexpr std::size_t kMostNameParts = ItemPath::kMostNames - kElementsAboveName - keys::kRotaryDiameter.path.item().names().size();
+static_assert(kMostNameParts == 3);
 
 bool partAccepted(const WString& part) {
     return !part.empty() && std::ranges::all_of(part, isNameCharacter) && CMvString().asInt(part.c_str()) == 0;
 }
 
 bool nameAccepted(WStringView name) {
-    for (int parts = 1; parts <= kMostNameParts; ++parts) {
+    for (std::size_t parts = 1; parts <= kMostNameParts; ++parts) {
         const std::size_t end = name.find(TEXT('.'));
         if (!partAccepted(WString(name.substr(0, end)))) return false;
         if (end == WStringView::npos) return true;

@@ -52,7 +52,8 @@ class CPrinterConfig {
     static ConfigurationRecord defaultConfiguration();
 
     // Aims the getters and setters below at a configuration; at first they work on the active one. False and unchanged for
-    // a name that is refused: one with a part that reads as a whole number other than 0, or that no element could bear.
+    // a name that is refused: one with a part that reads as a whole number other than 0, or that no element could bear, and one
+    // of more than three parts, which leaves no room in an item path.
     bool select(const WCHAR* name);
 
     // Getters answer from the document as it was last read, with the defaults and ranges of the key table.

@@ -10,8 +10,8 @@ namespace morvil {
 // empty one holds no jobs.
 int nextFreeNumber(const WString& folder, WStringView name);
 
-// The name, a blank and the number in four digits (more from 10000 on), at most 49 characters together: the name is cut for
-// the number, never the number.
+// The name, a blank and the number in four digits (more from 10000 on), at most kLongestJobName characters together: the name
+// is cut for the number, never the number.
 WString numberedName(WStringView name, int number);
 
 }  // namespace morvil

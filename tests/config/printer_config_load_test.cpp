@@ -173,7 +173,7 @@ TEST_F(PrinterConfigLoad, refusedNames_failAndTouchNothing) {
     writeItems({kResolutionItem});
     const std::string before = fileBytes();
     for (const WCHAR* name : {TEXT("2"), TEXT("-3"), TEXT("Wood.7"), TEXT("7.Wood"), TEXT("a b"), TEXT("a<b"), TEXT("."), TEXT("Wood."),
-                              TEXT("a..b"), TEXT("a.b.c.d.e"), TEXT("\u65E5"), TEXT("a%db")}) {
+                              TEXT("a..b"), TEXT("a.b.c.d"), TEXT("\u65E5"), TEXT("a%db")}) {
         SCOPED_TRACE(text(name));
         ConfigurationRecord record = sentinel();
         const ConfigurationRecord untouched = sentinel();
@@ -187,7 +187,7 @@ TEST_F(PrinterConfigLoad, refusedNames_failAndTouchNothing) {
 }
 
 TEST_F(PrinterConfigLoad, acceptedNames_leadToTheirOwnRoot) {
-    for (const WCHAR* name : {TEXT("Wood"), TEXT("0"), TEXT("007"), TEXT("2a"), TEXT("Oak.thin"), TEXT("a.b.c.d"), TEXT("B\u00FCro_1-x")}) {
+    for (const WCHAR* name : {TEXT("Wood"), TEXT("0"), TEXT("007"), TEXT("2a"), TEXT("Oak.thin"), TEXT("a.b.c"), TEXT("B\u00FCro_1-x")}) {
         SCOPED_TRACE(text(name));
         writeItems({kResolutionItem});
         CPrinterConfig config;
@@ -200,6 +200,23 @@ TEST_F(PrinterConfigLoad, acceptedNames_leadToTheirOwnRoot) {
         EXPECT_EQ(load(name).resolution, 250);
         EXPECT_EQ(load().resolution, 500);
     }
+}
+
+// The deepest items below the longest name that is taken: none of them falls together with another on one element.
+TEST_F(PrinterConfigLoad, longestAcceptedName_leavesEachItemItsOwnElement) {
+    userSetup(TEXT("Flags"), TEXT("2"));
+    writeItems({kResolutionItem});
+    ConfigurationRecord record = CPrinterConfig::defaultConfiguration();
+    record.rotaryEnabled = 1;
+    record.rotaryDiameter = 45.5F;
+    copyText(record.shoulderName, TEXT("steep"));
+    record.shoulderIndex = 2;
+    ASSERT_TRUE(CPrinterConfig().setConfig(TEXT("a.b.c"), record));
+    const ConfigurationRecord found = load(TEXT("a.b.c"));
+    EXPECT_EQ(found.rotaryEnabled, 1U);
+    EXPECT_EQ(found.rotaryDiameter, 45.5F);
+    EXPECT_EQ(text(found.shoulderName), "steep");
+    EXPECT_EQ(found.shoulderIndex, 2);
 }
 
 TEST_F(PrinterConfigLoad, nameUnderWhichNothingIsStored_failsAndKeepsTheActiveConfiguration) {
