@@ -38,7 +38,7 @@ SectionInfo sectionInfo(SIZEL size, WORD bits, bool topDown) {
 
 HostEngine* hostEngine() { return theEngine; }
 
-HostEngine::HostEngine(std::uint64_t largest) : m_largest(largest) { theEngine = this; }
+HostEngine::HostEngine(std::uint64_t largest, const Mishap& mishap) : m_largest(largest), m_mishap(mishap) { theEngine = this; }
 
 HostEngine::~HostEngine() {
     while (!m_surfaces.empty()) deleteSurface(m_surfaces.begin()->first);
@@ -93,6 +93,13 @@ bool HostEngine::deleteSurface(HSURF surface) {
 HostSurface* HostEngine::surface(HSURF surface) {
     const auto found = m_surfaces.find(surface);
     return found == m_surfaces.end() ? nullptr : found->second.get();
+}
+
+SURFOBJ* HostEngine::lock(HSURF handle) {
+    HostSurface* const found = surface(handle);
+    if (found == nullptr) return nullptr;
+    ++m_locks;
+    return &found->object;
 }
 
 // A surface takes the palette of its device.

@@ -26,9 +26,16 @@ struct HostTranslation : XLATEOBJ {
     std::vector<ULONG> sourcePalette;
 };
 
+// What is to go wrong while the driver runs; nothing, unless told.
+struct Mishap {
+    static constexpr std::size_t kNever = static_cast<std::size_t>(-1);
+    std::size_t refused = kNever;    // the one service, counted from 0 among those that can be refused
+    std::size_t abortFrom = kNever;  // the question, counted from 0, from which on the document counts as aborted
+};
+
 class HostEngine : public trace::ReplayEngine {
   public:
-    explicit HostEngine(std::uint64_t largest);
+    HostEngine(std::uint64_t largest, const Mishap& mishap);
     ~HostEngine() override;
     HostEngine(const HostEngine&) = delete;
     HostEngine& operator=(const HostEngine&) = delete;
@@ -51,11 +58,22 @@ class HostEngine : public trace::ReplayEngine {
     bool associate(HSURF surface, HDEV device);
     HPALETTE createPalette(const ULONG* entries, ULONG count);
     bool deletePalette(HPALETTE palette) { return m_palettes.erase(palette) != 0; }
+    // Whether the service that is asked for now is refused, and whether the document counts as aborted. Each call counts.
+    bool refuses() { return m_services++ == m_mishap.refused; }
+    bool aborted() { return m_abortQuestions++ >= m_mishap.abortFrom; }
+    [[nodiscard]] std::size_t services() const { return m_services; }
+    [[nodiscard]] std::size_t abortQuestions() const { return m_abortQuestions; }
+    SURFOBJ* lock(HSURF surface);
+    void unlock() { --m_locks; }
     // What the driver has not given back.
-    [[nodiscard]] std::size_t leftOver() const { return m_surfaces.size() + m_palettes.size(); }
+    [[nodiscard]] std::size_t leftOver() const { return m_surfaces.size() + m_palettes.size() + m_locks; }
 
   private:
     std::uint64_t m_largest;  // bytes of a surface
+    Mishap m_mishap;
+    std::size_t m_services = 0;
+    std::size_t m_abortQuestions = 0;
+    std::size_t m_locks = 0;
     std::map<HSURF, std::unique_ptr<HostSurface>> m_surfaces;
     std::map<HPALETTE, std::vector<ULONG>> m_palettes;
     std::map<HDEV, HPALETTE> m_devices;

@@ -1,8 +1,8 @@
 #include "host/LoadedDriver.h"
 
-#include "host/HostEngine.h"
+#include <utility>
+
 #include "host/ImportPatch.h"
-#include "host/Printer.h"
 
 namespace morvil::host {
 
@@ -19,14 +19,19 @@ LoadedDriver::~LoadedDriver() {
     if (m_library != nullptr) FreeLibrary(m_library);
 }
 
-std::string LoadedDriver::play(const trace::Recording& recording) const {
-    if (!m_reason.empty()) return m_reason;
+Attempt LoadedDriver::attempt(const trace::Recording& recording, const Mishap& mishap) const {
     using EnableDriver = BOOL (*)(ULONG, ULONG, DRVENABLEDATA*);
     const auto enable = reinterpret_cast<EnableDriver>(reinterpret_cast<void (*)()>(GetProcAddress(m_library, "DrvEnableDriver")));
-    HostEngine engine(recording.largestSurface);
-    const trace::ReplayReport report = trace::replay(recording, enable, engine);
-    if (!report.done) return report.reason;
-    return engine.leftOver() == 0 ? std::string() : std::to_string(engine.leftOver()) + " surfaces and palettes were not given back";
+    HostEngine engine(recording.largestSurface, mishap);
+    trace::ReplayReport report = trace::replay(recording, enable, engine);
+    return {.report = std::move(report), .leftOver = engine.leftOver(), .services = engine.services(), .abortQuestions = engine.abortQuestions()};
+}
+
+std::string LoadedDriver::play(const trace::Recording& recording) const {
+    if (!m_reason.empty()) return m_reason;
+    const Attempt attempt = this->attempt(recording, {});
+    if (!attempt.report.done) return attempt.report.reason;
+    return attempt.leftOver == 0 ? std::string() : std::to_string(attempt.leftOver) + " surfaces, palettes and locks were not given back";
 }
 
 }  // namespace morvil::host

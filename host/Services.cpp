@@ -8,24 +8,27 @@ namespace morvil::host {
 
 namespace {
 
-HBITMAP APIENTRY createBitmap(SIZEL size, LONG rowBytes, ULONG format, FLONG flags, PVOID /*bits*/) { return hostEngine()->createBitmap(size, rowBytes, format, flags); }
-BOOL APIENTRY deleteSurface(HSURF surface) { return hostEngine()->deleteSurface(surface) ? TRUE : FALSE; }
-BOOL APIENTRY markBandingSurface(HSURF surface) { return hostEngine()->surface(surface) != nullptr ? TRUE : FALSE; }
-BOOL APIENTRY associateSurface(HSURF surface, HDEV device, FLONG /*hooks*/) { return hostEngine()->associate(surface, device) ? TRUE : FALSE; }
-HPALETTE APIENTRY createPalette(ULONG /*mode*/, ULONG count, ULONG* entries, FLONG /*red*/, FLONG /*green*/, FLONG /*blue*/) { return hostEngine()->createPalette(entries, count); }
-BOOL APIENTRY deletePalette(HPALETTE palette) { return hostEngine()->deletePalette(palette) ? TRUE : FALSE; }
-SURFOBJ* APIENTRY lockSurface(HSURF surface) {
-    HostSurface* const found = hostEngine()->surface(surface);
-    return found == nullptr ? nullptr : &found->object;
+HBITMAP APIENTRY createBitmap(SIZEL size, LONG rowBytes, ULONG format, FLONG flags, PVOID /*bits*/) {
+    return hostEngine()->refuses() ? nullptr : hostEngine()->createBitmap(size, rowBytes, format, flags);
 }
-VOID APIENTRY unlockSurface(SURFOBJ* /*surface*/) {}
-BOOL APIENTRY checkAbort(SURFOBJ* /*surface*/) { return FALSE; }
+BOOL APIENTRY deleteSurface(HSURF surface) { return hostEngine()->deleteSurface(surface) ? TRUE : FALSE; }
+BOOL APIENTRY markBandingSurface(HSURF surface) { return !hostEngine()->refuses() && hostEngine()->surface(surface) != nullptr ? TRUE : FALSE; }
+BOOL APIENTRY associateSurface(HSURF surface, HDEV device, FLONG /*hooks*/) { return !hostEngine()->refuses() && hostEngine()->associate(surface, device) ? TRUE : FALSE; }
+HPALETTE APIENTRY createPalette(ULONG /*mode*/, ULONG count, ULONG* entries, FLONG /*red*/, FLONG /*green*/, FLONG /*blue*/) {
+    return hostEngine()->refuses() ? nullptr : hostEngine()->createPalette(entries, count);
+}
+BOOL APIENTRY deletePalette(HPALETTE palette) { return hostEngine()->deletePalette(palette) ? TRUE : FALSE; }
+SURFOBJ* APIENTRY lockSurface(HSURF surface) { return hostEngine()->refuses() ? nullptr : hostEngine()->lock(surface); }
+VOID APIENTRY unlockSurface(SURFOBJ* /*surface*/) { hostEngine()->unlock(); }
+BOOL APIENTRY checkAbort(SURFOBJ* /*surface*/) { return hostEngine()->aborted() ? TRUE : FALSE; }
 
-BOOL APIENTRY bitBlt(SURFOBJ*, SURFOBJ*, SURFOBJ*, CLIPOBJ*, XLATEOBJ*, RECTL*, POINTL*, POINTL*, BRUSHOBJ*, POINTL*, ROP4) { return TRUE; }
-BOOL APIENTRY stretchBlt(SURFOBJ*, SURFOBJ*, SURFOBJ*, CLIPOBJ*, XLATEOBJ*, COLORADJUSTMENT*, POINTL*, RECTL*, RECTL*, POINTL*, ULONG) { return TRUE; }
-BOOL APIENTRY copyBits(SURFOBJ*, SURFOBJ*, CLIPOBJ*, XLATEOBJ*, RECTL*, POINTL*) { return TRUE; }
-BOOL APIENTRY fillPath(SURFOBJ*, PATHOBJ*, CLIPOBJ*, BRUSHOBJ*, POINTL*, MIX, FLONG) { return TRUE; }
-BOOL APIENTRY textOut(SURFOBJ*, STROBJ*, FONTOBJ*, CLIPOBJ*, RECTL*, RECTL*, BRUSHOBJ*, BRUSHOBJ*, POINTL*, MIX) { return TRUE; }
+BOOL drawn() { return hostEngine()->refuses() ? FALSE : TRUE; }
+
+BOOL APIENTRY bitBlt(SURFOBJ*, SURFOBJ*, SURFOBJ*, CLIPOBJ*, XLATEOBJ*, RECTL*, POINTL*, POINTL*, BRUSHOBJ*, POINTL*, ROP4) { return drawn(); }
+BOOL APIENTRY stretchBlt(SURFOBJ*, SURFOBJ*, SURFOBJ*, CLIPOBJ*, XLATEOBJ*, COLORADJUSTMENT*, POINTL*, RECTL*, RECTL*, POINTL*, ULONG) { return drawn(); }
+BOOL APIENTRY copyBits(SURFOBJ*, SURFOBJ*, CLIPOBJ*, XLATEOBJ*, RECTL*, POINTL*) { return drawn(); }
+BOOL APIENTRY fillPath(SURFOBJ*, PATHOBJ*, CLIPOBJ*, BRUSHOBJ*, POINTL*, MIX, FLONG) { return drawn(); }
+BOOL APIENTRY textOut(SURFOBJ*, STROBJ*, FONTOBJ*, CLIPOBJ*, RECTL*, RECTL*, BRUSHOBJ*, BRUSHOBJ*, POINTL*, MIX) { return drawn(); }
 
 VOID APIENTRY pathEnumStart(PATHOBJ* path) { static_cast<HostPath*>(path)->next = 0; }
 BOOL APIENTRY pathEnum(PATHOBJ* path, PATHDATA* data) {

@@ -1,5 +1,5 @@
 // Services.h - the engine services that the driver asks for, on the host's own objects. Drawing services answer that they have
-// drawn: the page's bits come from the recording.
+// drawn: the page's bits come from the recording. Each can be made to go wrong (HostEngine.h).
 #pragma once
 
 #include <span>

@@ -8,9 +8,11 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <string_view>
 
 #include "host/LoadedDriver.h"
 #include "host/Printer.h"
+#include "host/faults.h"
 #include "host/stress.h"
 #include "trace/RecordingFile.h"
 
@@ -68,31 +70,46 @@ bool run(const fs::path& driverFile, const fs::path& out, const fs::path& file, 
     return reason.empty();
 }
 
-int runStress(const std::vector<std::string>& arguments) {
+// In the data root as it is.
+template <typename Trial>
+int runTrial(const char* file, Trial trial) {
     std::string reason;
-    const auto recording = trace::fromBytes(read(arguments[6]), reason);
-    if (recording) {
-        const host::StressLoad load{std::wstring(arguments[3].begin(), arguments[3].end()), std::stoi(arguments[4]), std::stoi(arguments[5])};
-        reason = host::stress(arguments[1], *recording, load);
-    }
+    const auto recording = trace::fromBytes(read(file), reason);
+    if (recording) reason = trial(*recording);
     if (!reason.empty()) std::fprintf(stderr, "morvil.exe: %s\n", reason.c_str());
     return reason.empty() ? 0 : 1;
+}
+
+int runStress(char** arguments) {
+    const std::string item = arguments[3];
+    const host::StressLoad load{std::wstring(item.begin(), item.end()), std::stoi(arguments[4]), std::stoi(arguments[5])};
+    return runTrial(arguments[6], [&](const trace::Recording& recording) { return host::stress(arguments[1], recording, load); });
+}
+
+int runFaults(char** arguments) {
+    return runTrial(arguments[3], [&](const trace::Recording& recording) { return host::faults(arguments[1], recording); });
+}
+
+int runRecordings(int count, char** arguments) {
+    bool done = true;
+    std::set<std::wstring> installed;
+    for (int i = 3; i < count; ++i) done = run(arguments[1], arguments[2], arguments[i], installed) && done;
+    return done ? 0 : 1;
+}
+
+int usage() {
+    std::fputs("usage: morvil.exe DRIVER OUT RECORDING...\n       morvil.exe DRIVER --stress ITEM STORES JOBS RECORDING\n       morvil.exe DRIVER --faults RECORDING\n", stderr);
+    return 2;
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-    const bool stressing = count == 7 && std::string_view(arguments[2]) == "--stress";
-    if (count < 4 || (!stressing && std::string_view(arguments[2]) == "--stress")) {
-        std::fputs("usage: morvil.exe DRIVER OUT RECORDING...\n       morvil.exe DRIVER --stress ITEM STORES JOBS RECORDING\n", stderr);
-        return 2;
-    }
+    const std::string_view second = count > 2 ? arguments[2] : "";
     try {
-        if (stressing) return runStress({arguments, arguments + count});
-        bool done = true;
-        std::set<std::wstring> installed;
-        for (int i = 3; i < count; ++i) done = run(arguments[1], arguments[2], arguments[i], installed) && done;
-        return done ? 0 : 1;
+        if (second == "--stress") return count == 7 ? runStress(arguments) : usage();
+        if (second == "--faults") return count == 4 ? runFaults(arguments) : usage();
+        return count < 4 ? usage() : runRecordings(count, arguments);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "morvil.exe: %s\n", error.what());
         return 3;

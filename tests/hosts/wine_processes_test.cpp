@@ -1,26 +1,13 @@
 // Two processes of the Windows host with the shipped driver file on one data root: both store an item of the configuration over
 // and over and print into one spool folder. Nothing is lost, torn or left locked, also when one of them is killed.
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <future>
 #include <random>
-#include <string>
-#include <vector>
 
+#include "hosts/WineHost.h"
+
+namespace morvil::hosts {
 namespace {
-
-namespace fs = std::filesystem;
-
-std::string inQuotes(const fs::path& path) { return "'" + path.string() + "'"; }
-
-std::string read(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 // A job without the one line in which two prints of a drawing differ.
 std::string withoutName(std::string job) {
@@ -28,27 +15,15 @@ std::string withoutName(std::string job) {
     return begin == std::string::npos ? job : job.erase(begin, job.find('\n', begin) - begin);
 }
 
-class WineProcesses : public testing::Test {
+class WineProcesses : public WineHost {
   protected:
     void SetUp() override {
-        if (!fs::exists(MORVIL_WINDOWS_HOST) || std::system("command -v wine >/dev/null 2>&1") != 0) GTEST_SKIP() << "no Wine, or " << MORVIL_WINDOWS_HOST << " is not built";
-        std::string pattern = (fs::temp_directory_path() / "morvil-wine-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-        const std::string trace = std::string(MORVIL_TOOL) + " trace --quiet --home " + inQuotes(m_folder / "home") + " --title Plan --record " + inQuotes(recording()) +
-                                  " --set PrinterDriver.Configuration.Print.Process.ProcessOption.Resolution@index=5 " + inQuotes(std::string(MORVIL_SAMPLES) + "/badge.emf");
-        ASSERT_EQ(std::system((trace + " >/dev/null").c_str()), 0);
-        // Begins with an empty data root and makes the first job.
-        ASSERT_EQ(std::system((host() + inQuotes(m_folder / "out") + " " + inQuotes(recording()) + " >/dev/null 2>&1").c_str()), 0);
+        WineHost::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
         m_job = withoutName(read(m_folder / "out/Plan/Plan.tsf"));
         ASSERT_FALSE(m_job.empty());
     }
-    void TearDown() override {
-        if (!m_folder.empty()) fs::remove_all(m_folder);
-    }
 
-    [[nodiscard]] fs::path recording() const { return m_folder / "Plan.rec"; }
-    static std::string host() { return "wine " + inQuotes(MORVIL_WINDOWS_HOST) + " " + inQuotes(MORVIL_WINDOWS_DRIVER) + " "; }
     // What the process says goes to a file named like its item.
     [[nodiscard]] std::string process(const std::string& item, int stores, int jobs) const {
         return host() + "--stress PrinterDriver.Stress." + item + " " + std::to_string(stores) + " " + std::to_string(jobs) + " " + inQuotes(recording()) + " >" +
@@ -56,17 +31,6 @@ class WineProcesses : public testing::Test {
     }
     [[nodiscard]] std::string said(const std::string& item) const { return read(m_folder / item); }
 
-    static fs::path dataRoot() {
-        const char* const prefix = std::getenv("WINEPREFIX");
-        return (prefix != nullptr ? fs::path(prefix) : fs::path(std::getenv("HOME")) / ".wine") / "drive_c/ProgramData/Morvil";
-    }
-    static std::vector<fs::path> files(const std::string& extension) {
-        std::vector<fs::path> list;
-        for (const auto& entry : fs::recursive_directory_iterator(dataRoot())) {
-            if (entry.path().extension() == extension) list.push_back(entry.path());
-        }
-        return list;
-    }
     static std::string configuration() { return read(dataRoot() / "PrinterDriver/PrinterDriver.xml"); }
     static void expectWholeConfiguration() {
         const std::string bytes = configuration();
@@ -83,7 +47,6 @@ class WineProcesses : public testing::Test {
         EXPECT_EQ(said("Next"), "stored 3, printed 3\r\n");
     }
 
-    fs::path m_folder;
     std::string m_job;
 };
 
@@ -124,3 +87,4 @@ TEST_F(WineProcesses, that_lose_one_of_them_go_on) {
 }
 
 }  // namespace
+}  // namespace morvil::hosts
