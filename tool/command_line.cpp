@@ -121,9 +121,7 @@ CLI::App* addEscape(CLI::App& app, EscapeOptions& o) {
     return c;
 }
 
-}  // namespace
-
-int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunction driver, const Streams& streams) {
+int parseAndRun(const std::vector<std::string>& arguments, engine::EnableDriverFunction driver, const Streams& streams) {
     Options options;
     CLI::App app("Prints drawings to job files for the laser engraver, and checks and shows job files.", "morvil");
     app.require_subcommand(1);
@@ -155,6 +153,16 @@ int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunct
         streams.err << "morvil: " << error.what() << "\n";
         return kSystemFailed;
     }
+}
+
+}  // namespace
+
+// An answer that did not arrive is no answer: scripts would go on with an empty list of jobs.
+int runTool(const std::vector<std::string>& arguments, engine::EnableDriverFunction driver, const Streams& streams) {
+    const int status = parseAndRun(arguments, driver, streams);
+    if (streams.out.flush() || status == kUsage || status == kSystemFailed) return status;
+    streams.err << "morvil: standard output cannot be written (is it closed, or its disk full?)\n";
+    return kSystemFailed;
 }
 
 }  // namespace morvil::tool

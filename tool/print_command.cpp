@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <ostream>
@@ -12,6 +11,7 @@
 #include "tool/Commands.h"
 #include "tool/ConfigurationItem.h"
 #include "tool/Host.h"
+#include "tool/Interrupts.h"
 #include "tool/PageSetup.h"
 #include "tool/PrintSummary.h"
 #include "tool/Progress.h"
@@ -21,20 +21,6 @@ namespace morvil::tool {
 namespace {
 
 constexpr std::uintmax_t kLargestMetafile = std::uintmax_t{1} << 30;
-
-// Set by Ctrl-C; the engine asks for it between calls, so that an interrupted document leaves no half-made job.
-volatile std::sig_atomic_t g_interrupted = 0;
-
-class InterruptGuard {
-  public:
-    InterruptGuard() : m_previous(std::signal(SIGINT, [](int) { g_interrupted = 1; })) { g_interrupted = 0; }
-    ~InterruptGuard() { std::signal(SIGINT, m_previous); }
-    InterruptGuard(const InterruptGuard&) = delete;
-    InterruptGuard& operator=(const InterruptGuard&) = delete;
-
-  private:
-    void (*m_previous)(int);
-};
 
 // One metafile with its place on the page.
 struct Sheet {
@@ -159,7 +145,7 @@ engine::PrintRequest PrintCommand::request() const {
     request.enableDriver = m_driver;
     request.printerName = kPrinterName;
     request.documentName = title();
-    request.abortRequested = [] { return g_interrupted != 0; };
+    request.abortRequested = &InterruptGuard::interrupted;
     for (const Sheet& sheet : m_sheets) request.pages.push_back({sheet.page, sheet.setup.devmode});
     return request;
 }
