@@ -34,6 +34,8 @@ struct Edge {
     SteppedQuotient column;
 };
 
+bool byColumn(const Edge& a, const Edge& b) { return a.column.value() < b.column.value(); }
+
 std::optional<Edge> makeEdge(POINTFIX from, POINTFIX to, const RECTL& area) {
     POINTFIX upper = withinReach(from);
     POINTFIX lower = withinReach(to);
@@ -54,28 +56,48 @@ std::optional<Edge> makeEdge(POINTFIX from, POINTFIX to, const RECTL& area) {
     return Edge{.firstRow = firstRow, .endRow = endRow, .direction = direction, .column = SteppedQuotient(crossing, dx * kFixOne, divisor)};
 }
 
+// A figure that lies beside the area turns as often one way as the other before the area begins, or only behind it.
+bool liesBeside(const Subpath& figure, const RECTL& area) {
+    const auto [left, right] = std::minmax_element(figure.points.begin(), figure.points.end(), [](POINTFIX a, POINTFIX b) { return a.x < b.x; });
+    return ceilPixel(withinReach(*right).x) <= area.left || ceilPixel(withinReach(*left).x) >= area.right;
+}
+
+// In the order in which a scan meets them: by row, then by column.
 std::vector<Edge> edgesOf(const Path& flat, const RECTL& area) {
     std::vector<Edge> edges;
     for (const Subpath& figure : flat.subpaths()) {
+        if (liesBeside(figure, area)) continue;
         POINTFIX last = figure.points.back();  // open figures are filled as if closed
         for (const POINTFIX& point : figure.points) {
             if (const std::optional<Edge> edge = makeEdge(last, point, area)) edges.push_back(*edge);
             last = point;
         }
     }
-    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.firstRow < b.firstRow; });
+    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.firstRow != b.firstRow ? a.firstRow < b.firstRow : byColumn(a, b); });
     return edges;
 }
 
-// Edges hardly change places from row to row, so insertion is cheap.
+// Edges hardly change places from row to row, so insertion is cheap. Where they do, as in a scribble that crosses itself all the
+// time, the work is left to a sort.
 void sortByColumn(std::vector<Edge>& active) {
+    constexpr std::size_t kMovesPerEdge = 16;
+    std::size_t moves = active.size() * kMovesPerEdge;
     for (std::size_t i = 1; i < active.size(); ++i) {
         if (active[i - 1].column.value() <= active[i].column.value()) continue;
         const Edge moving = active[i];
         std::size_t place = i;
         for (; place > 0 && active[place - 1].column.value() > moving.column.value(); --place) active[place] = active[place - 1];
         active[place] = moving;
+        if (i - place > moves) return std::sort(active.begin(), active.end(), byColumn);
+        moves -= i - place;
     }
+}
+
+// Takes the edges that begin in this row in among the others, which are sorted.
+void takeIn(std::vector<Edge>& active, const std::vector<Edge>& edges, std::size_t& next, LONG y) {
+    const auto before = static_cast<std::ptrdiff_t>(active.size());
+    while (next < edges.size() && edges[next].firstRow == y) active.push_back(edges[next++]);
+    std::inplace_merge(active.begin(), active.begin() + before, active.end(), byColumn);
 }
 
 void emitRow(const std::vector<Edge>& active, bool alternate, LONG y, const RECTL& area, const std::function<void(const RECTL&)>& sink) {
@@ -109,8 +131,8 @@ void coverPath(const Path& path, bool alternate, const RECTL& within, const std:
     std::size_t next = 0;
     for (LONG y = edges.empty() ? within.bottom : edges.front().firstRow; y < within.bottom; ++y) {
         if (active.empty() && next == edges.size()) return;
-        while (next < edges.size() && edges[next].firstRow == y) active.push_back(edges[next++]);
         sortByColumn(active);
+        takeIn(active, edges, next, y);
         emitRow(active, alternate, y, within, sink);
         std::erase_if(active, [y](const Edge& edge) { return edge.endRow == y + 1; });
         for (Edge& edge : active) edge.column.advance();

@@ -3,6 +3,7 @@
 #include "engine/pixels/Coverage.h"
 
 #include <array>
+#include <chrono>
 
 #include "support/PixelFixtures.h"
 
@@ -196,4 +197,24 @@ TEST(CoverageGaps, manyEdgesThroughOnePixel_areAllCounted) {
     EXPECT_EQ(coveredPicture(path, true, {0, 0, 8, 2}), "........\n........\n");
     path.append(polygon({at(3, 0), at(6, 0), at(6, 2), at(3, 2)}));
     EXPECT_EQ(coveredPicture(path, true, {0, 0, 8, 2}), "...###..\n...###..\n");
+}
+
+TEST(CoverageGaps, linesThatAllCrossInOnePoint_changePlacesAtOnce) {
+    Path fan;
+    for (int i = 0; i < 120; ++i) fan.append(polygon({{i * 5, 0}, {i * 5 + 3, 0}, {600 - i * 5, 640}, {597 - i * 5, 640}}));
+    constexpr RECTL kWithin{0, 0, 40, 40};
+    for (const bool alternate : {false, true}) EXPECT_EQ(coveredPicture(fan, alternate, kWithin), expectedPicture(fan, alternate, kWithin));
+}
+
+// Quadratic work on these takes minutes.
+TEST(CoverageCost, manyFiguresInOneRow_takeNoLongerInAnyOrderOrBesideTheArea) {
+    constexpr int kFigures = 200'000;
+    Path path;
+    for (int i = kFigures; i > 0; --i) path.append(polygon({{i * 32 - kFigures * 16, 0}, {i * 32 + 16 - kFigures * 16, 0}, {i * 32 + 16 - kFigures * 16, 64}, {i * 32 - kFigures * 16, 80}}));
+    const auto start = std::chrono::steady_clock::now();
+    std::uint64_t spans = 0;
+    coverPath(path, false, {0, 0, kFigures, 4}, [&spans](const RECTL&) { ++spans; });
+    coverPath(path, false, {-kFigures - 8, 0, -kFigures - 4, 4}, [&spans](const RECTL&) { ++spans; });
+    EXPECT_GT(spans, static_cast<std::uint64_t>(kFigures));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
