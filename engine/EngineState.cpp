@@ -18,6 +18,7 @@ void resetEngineState() {
     state.palettes.clear();
     state.devices.clear();
     state.abortRequested = nullptr;
+    state.serviceTap = nullptr;
     state.maximumSurfaceBytes = EngineState{}.maximumSurfaceBytes;
 }
 

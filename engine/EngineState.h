@@ -1,5 +1,6 @@
 // EngineState.h - everything of the engine that outlives a call: bitmaps, palettes, devices, memory device contexts and the
-// hook that EngCheckAbort asks. One record for the process, on the printing thread only; tests reset it between cases.
+// hook that EngCheckAbort asks, and who listens to the services. One record for the process, on the printing thread only; tests
+// reset it between cases.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include <unordered_set>
 
 #include "engine/Objects.h"
+#include "engine/ServiceTap.h"
 #include "platform/platform.h"
 
 namespace morvil::engine {
@@ -36,6 +38,7 @@ struct EngineState {
     std::unordered_map<HDC, MemoryContext> contexts;
     HBITMAP stockBitmap = nullptr;                   // stands for the bitmap of a context into which none was selected
     std::function<bool()> abortRequested;            // empty: never
+    ServiceTap serviceTap;                           // told of each answered service (Services.cpp); empty: nobody listens
     std::uint64_t maximumSurfaceBytes = 0x7FFFFFFF;  // larger bitmaps are refused, which makes drivers print in bands
     std::uintptr_t lastHandle = 0;
     std::unordered_map<HSURF, std::unique_ptr<EngineSurface>> ownedSurfaces;  // of EngCreateBitmap and CreateDIBSection

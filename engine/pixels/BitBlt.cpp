@@ -5,9 +5,10 @@
 #include "engine/pixels/Formats.h"
 #include "engine/pixels/MakeSurface.h"
 #include "engine/pixels/RasterOp.h"
+#include "engine/pixels/Services.h"
 #include "engine/pixels/Translation.h"
 
-using namespace morvil::engine;
+namespace morvil::engine::services {
 
 namespace {
 
@@ -22,8 +23,8 @@ RECTL placed(const SURFOBJ& surface, POINTL from, POINTL to) {
 
 }  // namespace
 
-BOOL EngBitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source,
-               POINTL* maskOrigin, BRUSHOBJ* brush, POINTL* brushOrigin, ROP4 rop) {
+BOOL bitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source,
+            POINTL* maskOrigin, BRUSHOBJ* brush, POINTL* brushOrigin, ROP4 rop) {
     EngineSurface* const surface = surfaceOf(to);
     if (surface == nullptr || target == nullptr) return FALSE;
     RasterCodes codes = rasterCodes(rop);
@@ -79,7 +80,9 @@ BOOL EngBitBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOB
     return TRUE;
 }
 
-BOOL EngCopyBits(SURFOBJ* to, SURFOBJ* from, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source) {
+BOOL copyBits(SURFOBJ* to, SURFOBJ* from, CLIPOBJ* clip, XLATEOBJ* translation, RECTL* target, POINTL* source) {
     constexpr ROP4 kCopySource = 0xCCCC;
-    return EngBitBlt(to, from, nullptr, clip, translation, target, source, nullptr, nullptr, nullptr, kCopySource);
+    return bitBlt(to, from, nullptr, clip, translation, target, source, nullptr, nullptr, nullptr, kCopySource);
 }
+
+}  // namespace morvil::engine::services

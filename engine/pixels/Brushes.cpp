@@ -5,6 +5,7 @@
 #include "engine/Pixels.h"
 #include "engine/pixels/Colours.h"
 #include "engine/pixels/Formats.h"
+#include "engine/pixels/Services.h"
 #include "engine/pixels/Translation.h"
 
 namespace morvil::engine {
@@ -108,9 +109,13 @@ EngineBrush realizeBrush(const EngineSurface& surface, const Brush& brush, bool 
 
 }  // namespace morvil::engine
 
-ULONG BRUSHOBJ_ulGetBrushColor(BRUSHOBJ* brush) {
+namespace morvil::engine::services {
+
+ULONG brushColour(BRUSHOBJ* brush) {
     constexpr ULONG kNotSolid = 0xFFFFFFFF;
     if (brush == nullptr) return kNotSolid;
-    const auto& full = *static_cast<const morvil::engine::EngineBrush*>(brush);
+    const auto& full = *static_cast<const EngineBrush*>(brush);
     return full.solid ? full.rgb : kNotSolid;
 }
+
+}  // namespace morvil::engine::services

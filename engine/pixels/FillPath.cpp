@@ -5,10 +5,11 @@
 #include "engine/pixels/Coverage.h"
 #include "engine/pixels/Formats.h"
 #include "engine/pixels/RasterOp.h"
+#include "engine/pixels/Services.h"
 
-using namespace morvil::engine;
+namespace morvil::engine::services {
 
-BOOL EngFillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* brushOrigin, MIX mix, FLONG options) {
+BOOL fillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* brushOrigin, MIX mix, FLONG options) {
     EngineSurface* const target = surfaceOf(surface);
     if (target == nullptr || path == nullptr) return FALSE;
     if (options != FP_ALTERNATEMODE && options != FP_WINDINGMODE) return FALSE;
@@ -25,3 +26,5 @@ BOOL EngFillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush
               [&](const RECTL& covered) { rows.clip(covered, [&painter](const RECTL& part) { painter.paintRectangle(part); }); });
     return TRUE;
 }
+
+}  // namespace morvil::engine::services

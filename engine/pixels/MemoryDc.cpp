@@ -15,6 +15,7 @@
 #include "engine/pixels/Colours.h"
 #include "engine/pixels/Formats.h"
 #include "engine/pixels/MakeSurface.h"
+#include "engine/pixels/Services.h"
 
 using namespace morvil::engine;
 
@@ -200,7 +201,7 @@ BOOL DeleteObject(HGDIOBJ object) {
     for (const auto& [handle, context] : engineState().contexts) {
         if (context.selected == bitmap) return failed(FALSE, ERROR_INVALID_PARAMETER);
     }
-    return EngDeleteSurface(surface->hsurf);
+    return services::deleteSurface(surface->hsurf);
 }
 
 int SetStretchBltMode(HDC dc, int mode) {

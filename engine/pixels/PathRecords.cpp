@@ -5,6 +5,7 @@
 
 #include "engine/Pixels.h"
 #include "engine/pixels/Formats.h"
+#include "engine/pixels/Services.h"
 
 namespace morvil::engine {
 namespace {
@@ -88,18 +89,18 @@ EngineText makeText(const GlyphRun& run) {
 
 }  // namespace morvil::engine
 
-using morvil::engine::EnginePath;
+namespace morvil::engine::services {
 
-VOID PATHOBJ_vEnumStart(PATHOBJ* path) {
+VOID startPath(PATHOBJ* path) {
     if (path == nullptr) return;
     auto& full = *static_cast<EnginePath*>(path);
     full.records.clear();
     full.points.clear();
     full.next = 0;
-    for (const morvil::engine::Subpath& figure : full.path.subpaths()) morvil::engine::addFigure(full, figure);
+    for (const Subpath& figure : full.path.subpaths()) addFigure(full, figure);
 }
 
-BOOL PATHOBJ_bEnum(PATHOBJ* path, PATHDATA* data) {
+BOOL nextOfPath(PATHOBJ* path, PATHDATA* data) {
     if (data == nullptr) return FALSE;
     *data = {};
     if (path == nullptr) return FALSE;
@@ -108,3 +109,5 @@ BOOL PATHOBJ_bEnum(PATHOBJ* path, PATHDATA* data) {
     *data = full.records[full.next++];
     return full.next < full.records.size() ? TRUE : FALSE;
 }
+
+}  // namespace morvil::engine::services

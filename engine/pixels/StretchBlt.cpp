@@ -5,6 +5,7 @@
 #include "engine/pixels/Formats.h"
 #include "engine/pixels/MakeSurface.h"
 #include "engine/pixels/RasterOp.h"
+#include "engine/pixels/Services.h"
 #include "engine/pixels/Stretch.h"
 #include "engine/pixels/Translation.h"
 
@@ -80,10 +81,10 @@ bool stretchRop(const StretchRequest& request) {
 
 }  // namespace morvil::engine
 
-using namespace morvil::engine;
+namespace morvil::engine::services {
 
-BOOL EngStretchBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, COLORADJUSTMENT* adjustment,
-                   POINTL* brushOrigin, RECTL* target, RECTL* source, POINTL* maskOrigin, ULONG mode) {
+BOOL stretchBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLATEOBJ* translation, COLORADJUSTMENT* adjustment,
+                POINTL* brushOrigin, RECTL* target, RECTL* source, POINTL* maskOrigin, ULONG mode) {
     if (target == nullptr || source == nullptr || (mask != nullptr && maskOrigin == nullptr)) return FALSE;
     constexpr ROP4 kCopy = 0xCCCC;
     constexpr ROP4 kCopyMasked = 0xAACC;  // the source where the mask is 1, nothing where it is 0
@@ -103,3 +104,5 @@ BOOL EngStretchBlt(SURFOBJ* to, SURFOBJ* from, SURFOBJ* mask, CLIPOBJ* clip, XLA
                ? TRUE
                : FALSE;
 }
+
+}  // namespace morvil::engine::services

@@ -9,6 +9,7 @@
 #include "engine/pixels/Colours.h"
 #include "engine/pixels/Formats.h"
 #include "engine/pixels/MakeSurface.h"
+#include "engine/pixels/Services.h"
 
 namespace morvil::engine {
 
@@ -117,16 +118,16 @@ bool hasExactColour(const EngineSurface& surface, COLORREF colour) {
 
 }  // namespace morvil::engine
 
-using namespace morvil::engine;
+namespace morvil::engine::services {
 
-HBITMAP EngCreateBitmap(SIZEL size, LONG rowBytes, ULONG format, FLONG flags, PVOID bits) {
+HBITMAP createBitmap(SIZEL size, LONG rowBytes, ULONG format, FLONG flags, PVOID bits) {
     // Without bits the row length is the engine's affair, but a driver counts on the length it has asked for.
     auto surface = makeSurface({.width = size.cx, .height = size.cy, .rowBytes = rowBytes, .format = format, .flags = flags, .bits = bits});
     if (surface == nullptr) return nullptr;
     return reinterpret_cast<HBITMAP>(keepSurface(std::move(surface)));
 }
 
-BOOL EngDeleteSurface(HSURF surface) {
+BOOL deleteSurface(HSURF surface) {
     EngineState& state = engineState();
     const auto found = state.ownedSurfaces.find(surface);
     if (found == state.ownedSurfaces.end() || found->second->locks > 0) return FALSE;
@@ -135,14 +136,14 @@ BOOL EngDeleteSurface(HSURF surface) {
     return TRUE;
 }
 
-BOOL EngMarkBandingSurface(HSURF surface) {
+BOOL markBandingSurface(HSURF surface) {
     EngineSurface* const found = surfaceOf(surface);
     if (found == nullptr) return FALSE;
     found->banding = true;
     return TRUE;
 }
 
-BOOL EngAssociateSurface(HSURF surface, HDEV device, FLONG hooks) {
+BOOL associateSurface(HSURF surface, HDEV device, FLONG hooks) {
     EngineSurface* const found = surfaceOf(surface);
     const Device* const owner = deviceOf(device);
     if (found == nullptr || owner == nullptr) return FALSE;
@@ -152,18 +153,18 @@ BOOL EngAssociateSurface(HSURF surface, HDEV device, FLONG hooks) {
     return TRUE;
 }
 
-SURFOBJ* EngLockSurface(HSURF surface) {
+SURFOBJ* lockSurface(HSURF surface) {
     EngineSurface* const found = surfaceOf(surface);
     if (found != nullptr) ++found->locks;
     return found;
 }
 
-VOID EngUnlockSurface(SURFOBJ* surface) {
+VOID unlockSurface(SURFOBJ* surface) {
     EngineSurface* const found = surfaceOf(surface);
     if (found != nullptr && found->locks > 0) --found->locks;
 }
 
-HPALETTE EngCreatePalette(ULONG mode, ULONG colours, ULONG* entries, FLONG red, FLONG green, FLONG blue) {
+HPALETTE createPalette(ULONG mode, ULONG colours, ULONG* entries, FLONG red, FLONG green, FLONG blue) {
     constexpr ULONG kMostColours = 256;
     auto palette = std::make_shared<Palette>();
     palette->mode = mode;
@@ -186,9 +187,11 @@ HPALETTE EngCreatePalette(ULONG mode, ULONG colours, ULONG* entries, FLONG red, 
     return handle;
 }
 
-BOOL EngDeletePalette(HPALETTE palette) { return engineState().palettes.erase(palette) > 0 ? TRUE : FALSE; }
+BOOL deletePalette(HPALETTE palette) { return engineState().palettes.erase(palette) > 0 ? TRUE : FALSE; }
 
-BOOL EngCheckAbort(SURFOBJ* surface) {
+BOOL checkAbort(SURFOBJ* surface) {
     if (surfaceOf(surface) == nullptr || !engineState().abortRequested) return FALSE;
     return engineState().abortRequested() ? TRUE : FALSE;
 }
+
+}  // namespace morvil::engine::services

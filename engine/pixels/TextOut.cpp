@@ -2,8 +2,9 @@
 #include "engine/Pixels.h"
 #include "engine/pixels/Formats.h"
 #include "engine/pixels/RasterOp.h"
+#include "engine/pixels/Services.h"
 
-using namespace morvil::engine;
+namespace morvil::engine::services {
 
 namespace {
 
@@ -30,8 +31,8 @@ void paintGlyph(RowPainter& painter, const ClipRows& rows, const GlyphBitmap& gl
 
 }  // namespace
 
-BOOL EngTextOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* /*font*/, CLIPOBJ* clip, RECTL* /*extra*/, RECTL* opaque, BRUSHOBJ* fore,
-                BRUSHOBJ* back, POINTL* brushOrigin, MIX mix) {
+BOOL textOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* /*font*/, CLIPOBJ* clip, RECTL* /*extra*/, RECTL* opaque, BRUSHOBJ* fore,
+             BRUSHOBJ* back, POINTL* brushOrigin, MIX mix) {
     EngineSurface* const target = surfaceOf(surface);
     if (target == nullptr || text == nullptr || fore == nullptr) return FALSE;
     const RECTL bounds = boundsOf(*target);
@@ -54,3 +55,5 @@ BOOL EngTextOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* /*font*/, CLIPOBJ* clip
     }
     return TRUE;
 }
+
+}  // namespace morvil::engine::services

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/Pixels.h"
+#include "engine/pixels/Services.h"
 
 namespace morvil::engine {
 namespace {
@@ -163,8 +164,9 @@ const std::uint8_t* SourceRows::row(LONG x, LONG y, LONG count, LONG targetX) {
 
 }  // namespace morvil::engine
 
-ULONG XLATEOBJ_cGetPalette(XLATEOBJ* translation, ULONG kind, ULONG count, ULONG* entries) {
-    using morvil::engine::EngineXlate;
+namespace morvil::engine::services {
+
+ULONG translationPalette(XLATEOBJ* translation, ULONG kind, ULONG count, ULONG* entries) {
     if (translation == nullptr || entries == nullptr) return 0;
     const auto& full = *static_cast<const EngineXlate*>(translation);
     const std::vector<COLORREF>* palette = nullptr;
@@ -175,3 +177,5 @@ ULONG XLATEOBJ_cGetPalette(XLATEOBJ* translation, ULONG kind, ULONG count, ULONG
     std::copy_n(palette->begin(), copied, entries);
     return static_cast<ULONG>(copied);
 }
+
+}  // namespace morvil::engine::services
