@@ -47,7 +47,7 @@ CLI::App* addTrace(CLI::App& app, TraceOptions& o) {
     CLI::App* const c = app.add_subcommand("trace", "Print metafiles and show the calls between engine and driver");
     addPrintOptions(c, o.print);
     c->add_option("--record", o.record, "keep the calls in this file, with the page's bits, instead of showing them")->type_name("OUT");
-    c->footer("Standard output: a line for each call, or with --record the path of each job file. Options and exit status as with print.");
+    c->footer("Standard output: a line for each call of the driver, below it what the driver asked of the engine; or with --record the path of each job file. Options and exit status as with print.");
     return c;
 }
 

@@ -7,12 +7,12 @@
 
 #include "engine/EngineState.h"
 #include "platform/host/HostState.h"
+#include "tool/CallsView.h"
 #include "tool/Commands.h"
 #include "tool/Host.h"
 #include "tool/ReplayObjects.h"
 #include "trace/Recorder.h"
 #include "trace/RecordingFile.h"
-#include "trace/TextTrace.h"
 
 namespace morvil::tool {
 
@@ -73,22 +73,23 @@ int fail(const Streams& streams, const char* command, const std::string& text, i
 }  // namespace
 
 int runTrace(const TraceOptions& options, engine::EnableDriverFunction driver, const Streams& streams) {
+    if (options.record.empty()) {
+        CallsView view([&](const std::string& line) { streams.out << line << "\n"; });
+        const trace::Recorder recorder(driver, view.listener());
+        std::ostream nowhere(nullptr);
+        return runPrint(options.print, trace::Recorder::driver(), {nowhere, streams.err, streams.errIsTerminal});
+    }
     trace::Recording recording;
-    const bool keeps = !options.record.empty();
-    const trace::Recorder recorder(
-        driver,
-        [&] {
-            recording.printer = kPrinterName;
-            recording.largestSurface = engine::engineState().maximumSurfaceBytes;
-            if (keeps) recording.files = dataRootFiles();
-        },
-        [&](const trace::Event& event) {
-            if (keeps) recording.events.push_back(event);
-            else streams.out << trace::toText(event) << "\n";
-        });
-    std::ostream nowhere(nullptr);
-    const int status = runPrint(options.print, trace::Recorder::driver(), {keeps ? streams.out : nowhere, streams.err, streams.errIsTerminal});
-    if (status == kUsage || !keeps) return status;
+    trace::Listener listener;
+    listener.begins = [&] {
+        recording.printer = kPrinterName;
+        recording.largestSurface = engine::engineState().maximumSurfaceBytes;
+        recording.files = dataRootFiles();
+    };
+    listener.heard = [&](const trace::Event& event) { recording.events.push_back(event); };
+    const trace::Recorder recorder(driver, listener);
+    const int status = runPrint(options.print, trace::Recorder::driver(), streams);
+    if (status == kUsage) return status;
     if (write(options.record, trace::toBytes(std::move(recording)))) return status;
     return fail(streams, "trace", options.record + ": cannot be written", kSystemFailed);
 }

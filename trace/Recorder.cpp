@@ -1,5 +1,7 @@
 #include "trace/Recorder.h"
 
+#include <algorithm>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -14,23 +16,24 @@ namespace {
 // Functions of the driver interface have no room for a context, so the one recorder is found here.
 struct RecorderState {
     EnableDriver enable = nullptr;
-    std::function<void()> begins;
-    std::function<void(const Event&)> heard;
+    Listener listener;
     std::map<ULONG, PFN> functions;  // of the driver behind
     std::vector<DRVFN> table;        // offered in their place
     std::vector<DHPDEV> instances;   // in the order of their making
 };
 std::unique_ptr<RecorderState> theRecorder;
 
+// The driver's own function, to be called at once: what happens from here to its answer is its doing.
 template <typename Function>
 Function original(ULONG index) {
+    theRecorder->listener.callBegins();
     return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(theRecorder->functions.at(index)));
 }
 
 template <typename Result>
 Result tell(Event& event, Result result) {
     event.result = static_cast<std::int64_t>(result);
-    theRecorder->heard(event);
+    theRecorder->listener.heard(event);
     return result;
 }
 
@@ -53,6 +56,14 @@ void keepBits(Event& event, const SURFOBJ* page) {
     if (page != nullptr) event.blocks.push_back(blockBytes(page->pvBits, page->cjBits));
 }
 
+// An engine may know a shorter record than ours; what it lacks is zero.
+template <typename Record>
+Record beginningOf(const void* data, ULONG bytes) {
+    Record record{};
+    if (data != nullptr) std::memcpy(&record, data, std::min<std::size_t>(bytes, sizeof(record)));
+    return record;
+}
+
 // ---- instances and surfaces ---------------------------------------------------------------------------------------------
 
 DHPDEV enablePDEV(DEVMODEW* devmode, PWSTR logAddress, ULONG patternCount, HSURF* patterns, ULONG capsBytes, ULONG* caps, ULONG infoBytes, DEVINFO* info, HDEV device,
@@ -60,7 +71,10 @@ DHPDEV enablePDEV(DEVMODEW* devmode, PWSTR logAddress, ULONG patternCount, HSURF
     Event event{.function = INDEX_DrvEnablePDEV, .numbers = {patternCount, capsBytes, infoBytes}};
     event.blocks = {devmode == nullptr ? Bytes() : blockBytes(devmode, std::size_t{devmode->dmSize} + devmode->dmDriverExtra), textBytes(logAddress), textBytes(name)};
     const DHPDEV instance = original<decltype(&enablePDEV)>(INDEX_DrvEnablePDEV)(devmode, logAddress, patternCount, patterns, capsBytes, caps, infoBytes, info, device, name, printer);
-    if (instance != nullptr) theRecorder->instances.push_back(instance);
+    if (instance != nullptr) {
+        theRecorder->instances.push_back(instance);
+        theRecorder->listener.deviceTold(beginningOf<GDIINFO>(caps, capsBytes), beginningOf<DEVINFO>(info, infoBytes));
+    }
     tell(event, instance == nullptr ? 0 : numberOf(instance));
     return instance;
 }
@@ -260,7 +274,7 @@ std::vector<DRVFN> wrappers() {
 
 BOOL enableDriver(ULONG engineVersion, ULONG size, DRVENABLEDATA* data) {
     if (theRecorder == nullptr || theRecorder->enable == nullptr) return FALSE;
-    theRecorder->begins();
+    theRecorder->listener.begins();
     if (theRecorder->enable(engineVersion, size, data) == FALSE) return FALSE;
     for (ULONG i = 0; i < data->c; ++i) theRecorder->functions[data->pdrvfn[i].iFunc] = data->pdrvfn[i].pfn;
     theRecorder->table = wrappers();
@@ -272,12 +286,11 @@ BOOL enableDriver(ULONG engineVersion, ULONG size, DRVENABLEDATA* data) {
 
 }  // namespace
 
-Recorder::Recorder(EnableDriver behind, std::function<void()> begins, std::function<void(const Event&)> heard) {
+Recorder::Recorder(EnableDriver behind, Listener listener) {
     if (theRecorder != nullptr) throw std::logic_error("one recorder at a time");
     theRecorder = std::make_unique<RecorderState>();
     theRecorder->enable = behind;
-    theRecorder->begins = std::move(begins);
-    theRecorder->heard = std::move(heard);
+    theRecorder->listener = std::move(listener);
 }
 
 Recorder::~Recorder() { theRecorder.reset(); }

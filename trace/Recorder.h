@@ -10,10 +10,18 @@ namespace morvil::trace {
 
 using EnableDriver = BOOL (*)(ULONG engineVersion, ULONG size, DRVENABLEDATA* data);
 
+// Told in this order: that the driver is about to be enabled; that a call of it begins; what it said of its device, when
+// DrvEnablePDEV has succeeded; the call, when it has been answered.
+struct Listener {
+    std::function<void()> begins;
+    std::function<void()> callBegins = [] {};
+    std::function<void(const GDIINFO&, const DEVINFO&)> deviceTold = [](const GDIINFO&, const DEVINFO&) {};
+    std::function<void(const Event&)> heard;
+};
+
 class Recorder {
   public:
-    // `begins` is told before the driver is enabled, `heard` of each call when the driver has answered it.
-    Recorder(EnableDriver behind, std::function<void()> begins, std::function<void(const Event&)> heard);
+    Recorder(EnableDriver behind, Listener listener);
     ~Recorder();
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;

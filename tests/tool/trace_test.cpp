@@ -116,7 +116,7 @@ TEST_F(Trace, shows_the_calls_in_their_order) {
     EXPECT_EQ(functions.front(), "DrvEnablePDEV");
     EXPECT_EQ(functions.back(), "DrvDisableDriver");
     EXPECT_THAT(shown.lines(), Contains(StartsWith("DrvStartDoc job 1 title [\"badge\"] target {")));
-    EXPECT_THAT(shown.lines(), Contains(testing::MatchesRegex("DrvStrokePath .* path \\{flags 0x[0-9A-F]+, [0-9]+ segments: .*\\} line \\{.*\\} brush \\{.*\\} = 1")));
+    EXPECT_THAT(shown.lines(), Contains(testing::MatchesRegex("DrvStrokePath .* path \\{[0-9]+ segments: figure .*\\} line \\{.*\\} brush \\{.*\\} = 1")));
     EXPECT_THAT(shown.lines(), Contains(testing::MatchesRegex("DrvSendPage bits \\[[0-9]+ bytes\\] target .* = 1")));
     EXPECT_THAT(spooled(), ElementsAre("badge.tsf"));
 }
