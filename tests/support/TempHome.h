@@ -21,7 +21,7 @@ class TempHome {
     // The folder of this host that is drive C:.
     [[nodiscard]] const std::filesystem::path& folder() const { return m_folder; }
     // What a Windows path stands for on this host.
-    [[nodiscard]] std::filesystem::path hostPath(WStringView windowsPath) const;
+    [[nodiscard]] static std::filesystem::path hostPath(WStringView windowsPath);
     // Every file that was put there.
     [[nodiscard]] std::vector<std::filesystem::path> files() const;
 

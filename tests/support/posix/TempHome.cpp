@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "platform/posix/HostPath.h"
 #include "platform/posix/HostState.h"
 
@@ -22,12 +19,6 @@ fs::path temporaryFolder() {
     std::string pattern = (inMemory ? memory : fs::temp_directory_path()) / "morvil-test-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
     return pattern;
-}
-
-fs::path hostPathOf(WStringView windowsPath) {
-    HostPath path;
-    EXPECT_TRUE(path.assign(windowsPath)) << toUtf8(windowsPath);
-    return path.c_str();
 }
 
 }  // namespace
@@ -51,25 +42,10 @@ std::vector<fs::path> TempHome::files() const {
     return found;
 }
 
-fs::path TempHome::hostPath(WStringView windowsPath) const { return hostPathOf(windowsPath); }
-
-std::string readHostBytes(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    EXPECT_TRUE(in.is_open()) << file;
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+fs::path TempHome::hostPath(WStringView windowsPath) {
+    HostPath path;
+    EXPECT_TRUE(path.assign(windowsPath)) << toUtf8(windowsPath);
+    return path.c_str();
 }
-
-void writeHostBytes(const fs::path& file, std::string_view bytes) {
-    fs::create_directories(file.parent_path());
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    EXPECT_TRUE(out.good()) << file;
-}
-
-std::string readBytes(WStringView windowsPath) { return readHostBytes(hostPathOf(windowsPath)); }
-void writeBytes(WStringView windowsPath, std::string_view bytes) { writeHostBytes(hostPathOf(windowsPath), bytes); }
-void makeFolder(WStringView windowsPath) { fs::create_directories(hostPathOf(windowsPath)); }
-bool exists(WStringView windowsPath) { return fs::exists(hostPathOf(windowsPath)); }
 
 }  // namespace morvil::test

@@ -2,10 +2,6 @@
 // belong to somebody, so that tests refuse to run there.
 #include "support/TempHome.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <stdexcept>
 
@@ -22,8 +18,6 @@ const fs::path kDriverFile = L"C:\\Windows\\System32\\spool\\drivers\\x64\\3\\mo
 const fs::path kDriverFileKept = L"C:\\Windows\\System32\\spool\\drivers\\x64\\3\\morvil.kept";
 
 bool underWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
-
-fs::path hostPathOf(WStringView windowsPath) { return {std::wstring(windowsPath)}; }
 
 // What stood on the drive before the first test of this program.
 const std::set<fs::path>& atFirst() {
@@ -87,26 +81,6 @@ std::vector<fs::path> TempHome::files() const {
     return found;
 }
 
-fs::path TempHome::hostPath(WStringView windowsPath) const { return hostPathOf(windowsPath); }
-
-std::string readHostBytes(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    EXPECT_TRUE(in.is_open()) << file;
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-void writeHostBytes(const fs::path& file, std::string_view bytes) {
-    std::error_code ignored;  // the root of a drive cannot be made
-    fs::create_directories(file.parent_path(), ignored);
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    EXPECT_TRUE(out.good()) << file;
-}
-
-std::string readBytes(WStringView windowsPath) { return readHostBytes(hostPathOf(windowsPath)); }
-void writeBytes(WStringView windowsPath, std::string_view bytes) { writeHostBytes(hostPathOf(windowsPath), bytes); }
-void makeFolder(WStringView windowsPath) { fs::create_directories(hostPathOf(windowsPath)); }
-bool exists(WStringView windowsPath) { return fs::exists(hostPathOf(windowsPath)); }
+fs::path TempHome::hostPath(WStringView windowsPath) { return {std::wstring(windowsPath)}; }
 
 }  // namespace morvil::test
