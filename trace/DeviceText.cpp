@@ -76,6 +76,11 @@ void add(std::string& line, const char* name, const std::string& value) { line +
 void addNumber(std::string& line, const char* name, std::int64_t value) {
     if (value != 0) add(line, name, number(value));
 }
+// Where all bits are set there is no number.
+void addCount(std::string& line, const char* name, ULONG value) {
+    constexpr ULONG kNone = 0xFFFFFFFF;
+    if (value != 0) add(line, name, value == kNone ? hex(value) : number(value));
+}
 void addBits(std::string& line, const char* name, ULONG value) {
     if (value != 0) add(line, name, hex(value));
 }
@@ -83,7 +88,7 @@ void addBits(std::string& line, const char* name, ULONG value) {
 std::string capsText(const GDIINFO& caps) {
     std::string line = "GDIINFO";
     addBits(line, "ulVersion", caps.ulVersion);
-    for (const auto& member : kSizes) addNumber(line, member.name, caps.*member.value);
+    for (const auto& member : kSizes) addCount(line, member.name, caps.*member.value);
     for (const auto& member : kFlags) addBits(line, member.name, caps.*member.value);
     for (const auto& member : kSteps) addNumber(line, member.name, caps.*member.value);
     if (caps.ptlPhysOffset.x != 0 || caps.ptlPhysOffset.y != 0) add(line, "ptlPhysOffset", toText(caps.ptlPhysOffset));

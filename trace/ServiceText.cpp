@@ -35,11 +35,7 @@ std::string ServiceText::given(const PATHOBJ* path) {
 
 std::string ServiceText::given(const CLIPOBJ* clip) { return clip == nullptr ? std::string() : inBraces(toText(*describe(clip))); }
 
-std::string ServiceText::given(const BRUSHOBJ* brush) {
-    constexpr ULONG kNoIndex = 0xFFFFFFFF;
-    if (brush == nullptr) return {};
-    return inBraces("index " + (brush->iSolidColor == kNoIndex ? std::string("none") : number(brush->iSolidColor)));
-}
+std::string ServiceText::given(const BRUSHOBJ* brush) { return brush == nullptr ? std::string() : inBraces(pixelText(brush->iSolidColor)); }
 
 std::string ServiceText::given(const XLATEOBJ* translation) {
     if (translation == nullptr) return {};

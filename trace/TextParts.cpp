@@ -61,6 +61,13 @@ std::string colourText(ULONG rgb) {
     return "(" + number(rgb & 0xFFU) + "," + number(rgb >> 8 & 0xFFU) + "," + number(rgb >> 16 & 0xFFU) + ")";
 }
 
+std::string pixelText(ULONG solidColour) {
+    constexpr ULONG kNone = 0xFFFFFFFF;
+    constexpr ULONG kLargestIndex = 255;
+    if (solidColour == kNone) return "index none";
+    return solidColour <= kLargestIndex ? "index " + number(solidColour) : "pixel " + hex(solidColour);
+}
+
 std::string flagsText(FLONG flags) { return flags == 0 ? "" : " flags " + hex(flags); }
 
 std::string toText(const SIZEL& size) { return number(size.cx) + "x" + number(size.cy); }
@@ -87,10 +94,7 @@ std::string toText(const PathArgument& path) {
     return text;
 }
 
-std::string toText(const BrushArgument& brush) {
-    constexpr ULONG kNoIndex = 0xFFFFFFFF;
-    return "index " + (brush.solidColour == kNoIndex ? std::string("none") : number(brush.solidColour)) + " rgb " + colourText(brush.rgb);
-}
+std::string toText(const BrushArgument& brush) { return pixelText(brush.solidColour) + " rgb " + colourText(brush.rgb); }
 
 std::string toText(const LineArgument& line) {
     float real = 0;

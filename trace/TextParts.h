@@ -16,6 +16,8 @@ std::string counted(std::uint64_t count, const std::string& what);
 std::string depthText(std::uint32_t format);
 // "(255,128,0)"; "none" for what engines answer when there is no one colour.
 std::string colourText(ULONG rgb);
+// "index 3"; a pixel of direct colour, which is no index, in hexadecimal; "index none" of a brush of more than one pixel value.
+std::string pixelText(ULONG solidColour);
 // " flags 0x2"; nothing for none.
 std::string flagsText(FLONG flags);
 

@@ -159,18 +159,22 @@ TEST_F(CallsViewTest, sums_questions) {
         }
         BRUSHOBJ_ulGetBrushColor(&brush);
         BRUSHOBJ_ulGetBrushColor(nullptr);
+        brush.iSolidColor = 0x100;
+        BRUSHOBJ_ulGetBrushColor(&brush);
+        brush.iSolidColor = 255;
         ULONG entry = 0;
         XLATEOBJ_cGetPalette(nullptr, XO_SRCPALETTE, 1, &entry);
         EngFillPath(nullptr, &path, nullptr, &brush, nullptr, 0xD0D, FP_WINDINGMODE);
         EngFillPath(nullptr, &path, nullptr, &brush, nullptr, 0xD0D, FP_WINDINGMODE);
     });
-    const std::string fill = "  EngFillPath path {3 segments} brush {index 0} mix 0xD0D options 0x2 = 0";
+    const std::string fill = "  EngFillPath path {3 segments} brush {index 255} mix 0xD0D options 0x2 = 0";
     const std::vector<std::string> expected{
         "  PATHOBJ_vEnumStart path {3 segments} (2 times)",
         "  PATHOBJ_bEnum path {3 segments} = 1 (4 times)",
         "  PATHOBJ_bEnum path {3 segments} = 0 (2 times)",
         "  BRUSHOBJ_ulGetBrushColor brush {index 0} = (255,0,0)",
         "  BRUSHOBJ_ulGetBrushColor = none",
+        "  BRUSHOBJ_ulGetBrushColor brush {pixel 0x100} = (255,0,0)",
         "  XLATEOBJ_cGetPalette kind 1 most 1 = 0",
         fill,
         fill,
@@ -211,15 +215,16 @@ TEST(DeviceText, tells_what_is_not_zero) {
     EXPECT_THAT(trace::toLines(caps), ElementsAre("GDIINFO"));
     caps.ulVersion = 0x500;
     caps.ulHorzRes = 300;
+    caps.ulNumColors = 0xFFFFFFFF;
     caps.flRaster = 0x10;
     caps.denStyleStep = -2;
     caps.ptlPhysOffset = {0, 5};
     caps.szlPhysSize = {300, 200};
     caps.ciDevice.Green = {1, 2, 0};
     caps.ciDevice.BlueGamma = 10000;
-    EXPECT_THAT(trace::toLines(caps),
-                ElementsAre("GDIINFO ulVersion 0x500 ulHorzRes 300 flRaster 0x10 denStyleStep -2 ptlPhysOffset (0,5) szlPhysSize 300x200",
-                            "GDIINFO ciDevice Green 1,2,0 BlueGamma 10000"));
+    EXPECT_THAT(trace::toLines(caps), ElementsAre("GDIINFO ulVersion 0x500 ulHorzRes 300 ulNumColors 0xFFFFFFFF flRaster 0x10 denStyleStep "
+                                                  "-2 ptlPhysOffset (0,5) szlPhysSize 300x200",
+                                                  "GDIINFO ciDevice Green 1,2,0 BlueGamma 10000"));
     DEVINFO info{};
     EXPECT_EQ(trace::toText(info, "none"), "DEVINFO");
     info.flGraphicsCaps = 0x2C4;
