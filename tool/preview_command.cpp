@@ -2,11 +2,15 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <ostream>
+#include <string>
 #include <system_error>
 
 #include "tool/Commands.h"
@@ -17,6 +21,8 @@
 namespace morvil::tool {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::uint32_t kPictureSide = 2000;  // pixels of the longer side without --scale
 constexpr std::uint32_t kMaxSide = 32767;     // what the picture library takes
@@ -133,9 +139,48 @@ void drawVectors(const JobFile& job, std::uint32_t scale, cairo_surface_t* pictu
     }
 }
 
+cairo_status_t append(void* bytes, const unsigned char* data, unsigned length) {
+    static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
+    return CAIRO_STATUS_SUCCESS;
+}
+
+// 0 or the error's number. `file` keeps its old content until the new one is complete; what is no file (a device, a pipe) is
+// written to as it is.
+int writeFile(const fs::path& file, const std::string& bytes) {
+    std::error_code unknown;
+    const bool replaces = !fs::exists(file, unknown) || fs::is_regular_file(file, unknown);
+    const fs::path target = replaces ? fs::path(file.string() + ".part") : file;
+    errno = 0;
+    std::ofstream stream(target, std::ios::binary | std::ios::trunc);
+    const bool opened = stream.is_open();
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    stream.close();
+    int error = stream ? 0 : errno == 0 ? EIO : errno;
+    if (error == 0 && replaces && std::rename(target.c_str(), file.c_str()) != 0) error = errno;
+    if (error != 0 && replaces && opened) fs::remove(target, unknown);
+    return error;
+}
+
+int writePicture(cairo_surface_t& picture, const PreviewOptions& options, const Streams& streams) {
+    std::string bytes;
+    const cairo_status_t made = cairo_surface_write_to_png_stream(&picture, &append, &bytes);
+    if (made != CAIRO_STATUS_SUCCESS) {
+        streams.err << "morvil preview: " << options.output << ": " << cairo_status_to_string(made) << "\n";
+        return kSystemFailed;
+    }
+    const int error = writeFile(options.output, bytes);
+    if (error == 0) return kDone;
+    streams.err << "morvil preview: " << options.output << ": " << std::generic_category().message(error) << "\n";
+    return kSystemFailed;
+}
+
 std::uint32_t pictureSide(std::uint32_t pixels, std::uint32_t scale) { return std::max(1U, (pixels + scale - 1) / scale); }
 
 int drawPreview(const JobFile& job, const PreviewOptions& options, const Streams& streams) {
+    if (std::error_code unknown; fs::equivalent(options.file, options.output, unknown)) {
+        streams.err << "morvil preview: " << options.output << ": is the job itself; the picture needs a file of its own\n";
+        return kUsage;
+    }
     const JobSize size = sizeOf(job);
     if (size.width == 0 || size.height == 0) {
         streams.err << "morvil preview: " << options.file << ": the job's size cannot be read (see morvil check)\n";
@@ -156,11 +201,7 @@ int drawPreview(const JobFile& job, const PreviewOptions& options, const Streams
     cairo_surface_flush(picture.get());
     if (job.bitmap) drawRaster(job, scale, picture.get());
     drawVectors(job, scale, picture.get());
-    const cairo_status_t written = cairo_surface_write_to_png(picture.get(), options.output.c_str());
-    if (written == CAIRO_STATUS_SUCCESS) return kDone;
-    std::remove(options.output.c_str());
-    streams.err << "morvil preview: " << options.output << ": " << cairo_status_to_string(written) << "\n";
-    return kSystemFailed;
+    return writePicture(*picture, options, streams);
 }
 
 }  // namespace
