@@ -24,11 +24,12 @@ struct Descriptor {
 }  // namespace
 
 MappedFile::MappedFile(const std::string& path) {
-    const Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+    const Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)};  // a pipe without a writer would never open
     if (file.number < 0) fail(path, errno);
     struct stat status {};
     if (::fstat(file.number, &status) != 0) fail(path, errno);
     if (S_ISDIR(status.st_mode)) fail(path, EISDIR);
+    if (!S_ISREG(status.st_mode)) fail(path + ": not a regular file", EINVAL);
     m_size = static_cast<std::size_t>(status.st_size);
     if (m_size == 0) return;  // an empty file has nothing to map
     void* const data = ::mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, file.number, 0);

@@ -43,7 +43,7 @@ int runCheck(const CheckOptions& options, const Streams& streams) {
             status = kUsage;
         }
     }
-    if (options.json) streams.out << report.dump(2) << "\n";
+    if (options.json) streams.out << report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
     return status;
 }
 

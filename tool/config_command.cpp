@@ -45,22 +45,26 @@ int get(const ConfigurationItem& item, const ConfigOptions& options, const Strea
         streams.err << "morvil config: " << options.item << " is not set\n";
         return kWrong;
     }
-    if (options.json) streams.out << nlohmann::json{{"item", options.item}, {"value", toUtf8(value)}}.dump(2) << "\n";
+    if (options.json) streams.out << nlohmann::json{{"item", options.item}, {"value", toUtf8(value)}}.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
     else streams.out << toUtf8(value) << "\n";
     return kDone;
 }
 
 int set(const ConfigurationItem& item, const ConfigOptions& options, const Streams& streams) {
     if (!isStorable(options.value)) {
-        streams.err << "morvil config: a value holds at most " << CXml::kValueCharacters - 1 << " characters and none of < & \"\n";
+        streams.err << "morvil config: " << notStorableText() << "\n";
         return kUsage;
     }
     if (store({item, fromUtf8(options.value)})) return kDone;
-    streams.err << "morvil config: " << options.item << " could not be stored (is the configuration file locked, or the disk full?)\n";
+    streams.err << "morvil config: " << notStoredText(item) << "\n";
     return kSystemFailed;
 }
 
 int remove(const ConfigurationItem& item, const ConfigOptions& options, const Streams& streams) {
+    if (options.item.find('@') != std::string::npos) {
+        streams.err << "morvil config: " << options.item << ": only whole items can be removed, not single attributes\n";
+        return kUsage;
+    }
     CXml xml;
     if (xml.first(item.path.c_str()) == nullptr) {
         streams.err << "morvil config: " << options.item << " is not there\n";
@@ -75,14 +79,14 @@ int remove(const ConfigurationItem& item, const ConfigOptions& options, const St
 
 int runConfig(const ConfigOptions& options, const Streams& streams) {
     useHome(options.home);
-    if (!ensureConfiguration()) {
-        streams.err << "morvil config: the configuration file can neither be read nor created\n";
+    if (std::string reason; !ensureConfiguration(reason)) {
+        streams.err << "morvil config: " << reason << "\n";
         return kSystemFailed;
     }
     if (options.action == ConfigOptions::Action::Dump) return dump(options, streams);
     const auto item = parseItem(options.item);
     if (!item) {
-        streams.err << "morvil config: \"" << options.item << "\" is no item path (up to 10 names of 1 to 19 characters, joined by dots, then @ATTRIBUTE if it is not \"value\")\n";
+        streams.err << "morvil config: \"" << options.item << "\" is no item path (up to 10 names of 1 to 19 letters, digits or _ : -, joined by dots, then @ATTRIBUTE if it is not \"value\")\n";
         return kUsage;
     }
     switch (options.action) {

@@ -80,7 +80,7 @@ int runEscape(const EscapeOptions& options, engine::EnableDriverFunction driver,
     auto input = inputOf(options.code, options.text);
     if (!input) return fail(streams, takesNumber(options.code) ? "this code takes a number, not \"" + options.text + "\"" : "TEXT holds characters beyond Latin-1", kUsage);
     useHome(options.home);
-    if (!ensureConfiguration()) return fail(streams, "the configuration file can neither be read nor created", kSystemFailed);
+    if (std::string reason; !ensureConfiguration(reason)) return fail(streams, reason, kSystemFailed);
     const engine::EscapeReport report = engine::sendEscape({.enableDriver = driver,
                                                             .printerName = kPrinterName,
                                                             .code = options.code,

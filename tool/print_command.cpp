@@ -74,10 +74,15 @@ int PrintCommand::checkOptions() {
     if (m_options.copies < 1 || m_options.copies > 9999) return usage("--copies takes a number from 1 to 9999");
     for (const std::string& text : m_options.settings) {
         const auto setting = parseSetting(text);
+        if (const std::size_t equals = text.find('='); !setting && equals != std::string::npos && !isStorable(text.substr(equals + 1))) {
+            return usage("--set \"" + text + "\": " + notStorableText());
+        }
         if (!setting) return usage("--set takes ITEM=VALUE or ITEM@ATTRIBUTE=VALUE, not \"" + text + "\"");
         m_settings.push_back(*setting);
     }
-    if (!m_options.spool.empty() && !std::filesystem::is_directory(m_options.spool)) return usage("the spool folder \"" + m_options.spool + "\" does not exist");
+    if (std::error_code error; !m_options.spool.empty() && !std::filesystem::is_directory(m_options.spool, error)) {
+        return usage("the spool folder \"" + m_options.spool + "\" " + (!error ? "is no folder" : "cannot be used: " + error.message()));
+    }
     return kDone;
 }
 
@@ -85,6 +90,7 @@ int PrintCommand::checkOptions() {
 int PrintCommand::readSheets() {
     for (const std::string& file : m_options.files) {
         std::error_code error;
+        if (std::filesystem::is_other(file, error)) return usage(file + ": not a regular file");
         const std::uintmax_t size = std::filesystem::file_size(file, error);
         if (error) return usage(file + ": " + error.message());
         if (size > kLargestMetafile) return usage(file + ": " + std::to_string(size) + " bytes are more than a metafile may have (1 GB)");
@@ -104,10 +110,10 @@ int PrintCommand::readSheets() {
 int PrintCommand::prepareHost() {
     useHome(m_options.home);
     useApplication(m_options.application);
-    if (!ensureConfiguration()) return failure("the configuration file can neither be read nor created");
+    if (std::string reason; !ensureConfiguration(reason)) return failure(reason);
     if (!m_options.spool.empty()) useSpoolFolder(m_options.spool);
     for (const Setting& setting : m_settings) {
-        if (!store(setting)) return failure("the configuration item " + toUtf8(setting.item.path) + " could not be stored");
+        if (!store(setting)) return failure(notStoredText(setting.item));
     }
     return kDone;
 }

@@ -87,7 +87,7 @@ int runShow(const ShowOptions& options, const Streams& streams) {
         const MappedFile mapped(options.file);
         const JobFile job = readJobFile(mapped.bytes());
         const JobSummary summary = summarize(job);
-        if (options.json) streams.out << toJson(options.file, job, summary).dump(2) << "\n";
+        if (options.json) streams.out << toJson(options.file, job, summary).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
         else print(options.file, job, summary, streams.out);
         if (job.violationCount == 0) return kDone;
         const Violation& first = job.violations.front();

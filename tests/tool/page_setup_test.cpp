@@ -92,10 +92,11 @@ TEST(PageSetup, stored_paper_says_when_the_drawing_does_not_fit) {
 }
 
 TEST(ConfigurationItem, refuses_what_the_store_could_not_keep) {
-    for (const char* const text : {"", ".", "A..B", "A.", ".A", "A@", "ABCDEFGHIJKLMNOPQRST", "A@abcdefghijklmnopqrst", "1.2.3.4.5.6.7.8.9.10.11"}) {
+    for (const char* const text : {"", ".", "A..B", "A.", ".A", "A@", "ABCDEFGHIJKLMNOPQRST", "A@abcdefghijklmnopqrst", "1.2.3.4.5.6.7.8.9.10.11", "A.b c", "A.b<c", "A.b>c", "A.b\"c", "A.b/", "A.b=c",
+                                   "A.!--", "A.?xml", "A.\xE6\x97\xA5", "A.b\nc", "A@b c", "A@\"/><evil y=\""}) {
         EXPECT_FALSE(parseItem(text)) << text;
     }
-    for (const char* const text : {"A.B", "A.B@x", "=1", "A=<", "A=a&b", "A=\""}) EXPECT_FALSE(parseSetting(text)) << text;
+    for (const char* const text : {"A.B", "A.B@x", "=1", "A=<", "A=a&b", "A=\"", "A= b", "A=b ", "A=b\nc", "A=\xE6\x97\xA5"}) EXPECT_FALSE(parseSetting(text)) << text;
 }
 
 TEST(ConfigurationItem, takes_item_attribute_and_value) {
