@@ -138,7 +138,9 @@ TEST_F(HostInformation, process_number_zero_has_no_owner_but_a_line) {
     hostState().userName = TEXT("bert");
     const Handle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, kStranger));
     std::array<WCHAR, kProcessNameCharacters> name{};
+    SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(logProcess(process.get(), 0, name), TRUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SUCCESS));  // nobody asked for that process, which the system refuses
     EXPECT_THAT(morvilLog(), ElementsAre("UserName=bert, ProcessName=idle.exe, ProcessID=0, ProcessOwner=, ProcessDomain="));
 }
 
