@@ -359,8 +359,13 @@ TEST_F(Recorder, a_diagnostic_job_keeps_its_paths) {
     // The same second gives the second number, the next one the first again.
     EXPECT_THAT(kept[1], testing::AllOf(testing::StartsWith("Path.vec."), testing::AnyOf(testing::EndsWith(".1"), testing::EndsWith(".2"))));
     EXPECT_FALSE(exists(storeFile()));
-    EXPECT_EQ(readHostBytes(home.hostPath(CMvConfig().driverDataFolder()) / kept[0]).substr(0, 37),
-              "Curve=0;Index=0;X=10;Y=10;Flags=11;\r\n");
+    EXPECT_EQ(readHostBytes(home.hostPath(CMvConfig().driverDataFolder()) / kept[0]),
+              "Curve=0;Index=0;X=10;Y=10;Flags=11;\r\n"
+              "Curve=0;Index=1;X=90;Y=10;Flags=11;\r\n"
+              "Curve=0;Index=2;X=50;Y=70;Flags=11;\r\n"
+              "Curve=0;Index=3;X=10;Y=10;Flags=-1;\r\n"
+              "Curve=1;Index=0;X=1;Y=2;Flags=3;\r\n"
+              "Curve=1;Index=1;X=3;Y=4;Flags=3;\r\n");
 }
 
 class BezierLibrary : public Stroke {
