@@ -1,6 +1,7 @@
 // The header and diagnostic groups, line by line.
 #include "jobfile/JobFixture.h"
 #include "jobfile/MeasurementPoints.h"
+#include "support/CommaLocale.h"
 
 namespace morvil::test {
 
@@ -82,6 +83,21 @@ TEST_F(JobHeader, every_line_that_a_configuration_can_ask_for) {
               "<AutoPosition>\r\n"
               "<QuickPrint>\r\n"
               "<EndGroup: Header>\r\n");
+}
+
+TEST_F(JobHeader, numbers_have_a_point_in_a_country_with_a_comma_and_that_stays_set) {
+    config.processMode = kModeLayer;
+    config.layers = 3;
+    config.zAdjustment = 1.25F;
+    config.rotaryEnabled = 1;
+    config.rotaryDiameter = 45.5F;
+    const CommaLocale comma;
+    if (!comma.isSet()) GTEST_SKIP() << "no country with a decimal comma";
+    const std::string header = headerOf(config);
+    EXPECT_TRUE(hasLine(header, "<LayerParameter: 3;1.250>"));
+    EXPECT_TRUE(hasLine(header, "<Size: 0.46;0.10>"));
+    EXPECT_TRUE(hasLine(header, "<RotaryAttachment: 45.50>"));
+    EXPECT_TRUE(comma.isSet());
 }
 
 TEST_F(JobHeader, process_modes_write_their_name_and_their_own_lines) {

@@ -5,6 +5,7 @@
 
 #include "jobfile/CommandText.h"
 #include "jobfile/JobFixture.h"
+#include "support/CommaLocale.h"
 
 namespace morvil::test {
 
@@ -135,6 +136,15 @@ TEST_F(JobVectors, one_line_for_each_command_in_the_order_drawn) {
     EXPECT_TRUE(logged("WriteBezier finished"));
     EXPECT_TRUE(logged("WriteArc"));
     EXPECT_TRUE(logged("WriteArc finished"));
+}
+
+TEST_F(JobVectors, arcs_have_points_in_a_country_with_a_comma_and_that_stays_set) {
+    const auto writer = begin();
+    const CommaLocale comma;
+    if (!comma.isSet()) GTEST_SKIP() << "no country with a decimal comma";
+    EXPECT_TRUE(writer->WriteArc({.coordinates = {1, 2, 3}, .unused = 0, .values = {0.5, -45.678}, .sixth = 4}, 0));
+    EXPECT_EQ(commandsOf(bytesOf(*writer)), "<DrawArc: 0;0;0;2;3;1;0.50;-45.68;4>");
+    EXPECT_TRUE(comma.isSet());
 }
 
 TEST(CommandText, coordinates_are_cut_toward_zero) {
