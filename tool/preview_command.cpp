@@ -2,12 +2,10 @@
 #include <cairo.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -17,6 +15,7 @@
 #include "tool/JobFile.h"
 #include "tool/JobSummary.h"
 #include "tool/MappedFile.h"
+#include "tool/OutputFile.h"
 
 namespace morvil::tool {
 
@@ -144,23 +143,6 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned length) {
     return CAIRO_STATUS_SUCCESS;
 }
 
-// 0 or the error's number. `file` keeps its old content until the new one is complete; what is no file (a device, a pipe) is
-// written to as it is.
-int writeFile(const fs::path& file, const std::string& bytes) {
-    std::error_code unknown;
-    const bool replaces = !fs::exists(file, unknown) || fs::is_regular_file(file, unknown);
-    const fs::path target = replaces ? fs::path(file.string() + ".part") : file;
-    errno = 0;
-    std::ofstream stream(target, std::ios::binary | std::ios::trunc);
-    const bool opened = stream.is_open();
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    int error = stream ? 0 : errno == 0 ? EIO : errno;
-    if (error == 0 && replaces && std::rename(target.c_str(), file.c_str()) != 0) error = errno;
-    if (error != 0 && replaces && opened) fs::remove(target, unknown);
-    return error;
-}
-
 int writePicture(cairo_surface_t& picture, const PreviewOptions& options, const Streams& streams) {
     std::string bytes;
     const cairo_status_t made = cairo_surface_write_to_png_stream(&picture, &append, &bytes);
@@ -168,7 +150,7 @@ int writePicture(cairo_surface_t& picture, const PreviewOptions& options, const 
         streams.err << "morvil preview: " << options.output << ": " << cairo_status_to_string(made) << "\n";
         return kSystemFailed;
     }
-    const int error = writeFile(options.output, bytes);
+    const int error = writeOutputFile(options.output, bytes);
     if (error == 0) return kDone;
     streams.err << "morvil preview: " << options.output << ": " << std::generic_category().message(error) << "\n";
     return kSystemFailed;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <ostream>
+#include <system_error>
 #include <utility>
 
 #include "engine/EngineState.h"
@@ -10,6 +11,8 @@
 #include "tool/CallsView.h"
 #include "tool/Commands.h"
 #include "tool/Host.h"
+#include "tool/Interrupts.h"
+#include "tool/OutputFile.h"
 #include "tool/ReplayObjects.h"
 #include "trace/Recorder.h"
 #include "trace/RecordingFile.h"
@@ -28,15 +31,7 @@ trace::Bytes read(const fs::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-bool write(const fs::path& file, const trace::Bytes& bytes) {
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (stream) return true;
-    std::error_code ignored;
-    fs::remove(file, ignored);
-    return false;
-}
+int write(const fs::path& file, const trace::Bytes& bytes) { return writeOutputFile(file.string(), {reinterpret_cast<const char*>(bytes.data()), bytes.size()}); }
 
 bool isOfTheDocument(const fs::path& file) { return file.extension() == ".tsf" || file.extension() == ".tsa" || file.filename().string().starts_with("log_"); }
 
@@ -62,7 +57,7 @@ bool restore(const trace::KeptFile& kept) {
     if (relative.is_absolute() || relative.string().starts_with("..")) return false;
     std::error_code error;
     fs::create_directories((hostState().home / relative).parent_path(), error);
-    return write(hostState().home / relative, kept.content);
+    return write(hostState().home / relative, kept.content) == 0;
 }
 
 int fail(const Streams& streams, const char* command, const std::string& text, int status) {
@@ -90,8 +85,8 @@ int runTrace(const TraceOptions& options, engine::EnableDriverFunction driver, c
     const trace::Recorder recorder(driver, listener);
     const int status = runPrint(options.print, trace::Recorder::driver(), streams);
     if (status == kUsage) return status;
-    if (write(options.record, trace::toBytes(std::move(recording)))) return status;
-    return fail(streams, "trace", options.record + ": cannot be written", kSystemFailed);
+    const int error = write(options.record, trace::toBytes(std::move(recording)));
+    return error == 0 ? status : fail(streams, "trace", options.record + ": " + std::generic_category().message(error), kSystemFailed);
 }
 
 int runReplay(const ReplayOptions& options, engine::EnableDriverFunction driver, const Streams& streams) {
@@ -108,6 +103,7 @@ int runReplay(const ReplayOptions& options, engine::EnableDriverFunction driver,
     if (!options.spool.empty()) useSpoolFolder(options.spool);
     engine::engineState().maximumSurfaceBytes = recording->largestSurface;
     const FinishedJobs finished;
+    const InterruptGuard toTheEnd;  // the recorded calls know no end before theirs
     ReplayObjects objects;
     const trace::ReplayReport report = trace::replay(*recording, driver, objects);
     for (const std::string& job : finished.files()) streams.out << job << "\n";

@@ -131,7 +131,15 @@ TEST_F(HostileFiles, spool_folder_that_is_a_file_is_said_to_be_none) {
     EXPECT_THAT(run.err, HasSubstr("Job.tsf\" is no folder"));
 }
 
-// ---- preview's output -------------------------------------------------------------------------------------------------
+// ---- output -----------------------------------------------------------------------------------------------------------
+
+TEST_F(HostileFiles, recording_onto_a_full_device_leaves_the_device) {
+    const fs::path device = fullDevice();
+    const Outcome answer = run({"trace", "--quiet", "--spool", m_spool.string(), "--record", device.string(), sample("label.emf")});
+    EXPECT_EQ(answer.status, kSystemFailed);
+    EXPECT_EQ(answer.err, "morvil trace: " + device.string() + ": No space left on device\n");
+    EXPECT_TRUE(fs::is_symlink(device));
+}
 
 TEST_F(HostileFiles, preview_never_overwrites_the_job) {
     const std::string before = bytesOf(job("Job.tsf"));
