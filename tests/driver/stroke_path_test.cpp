@@ -142,6 +142,13 @@ TEST_F(Stroke, a_triangle_that_is_back_at_its_start_keeps_its_four_points) {
     EXPECT_THAT(written(), ElementsAre("<DrawPolygon: 4;0;0;0;10;10;90;10;50;70;10;10>"));
 }
 
+TEST_F(Stroke, without_a_surface_there_is_no_instance_to_ask) {
+    startPage();
+    FakePath path = triangle();
+    EXPECT_EQ(DrvStrokePath(nullptr, &path, nullptr, nullptr, nullptr, nullptr, nullptr, 0), TRUE);
+    EXPECT_EQ(written().size(), 1U);
+}
+
 TEST_F(Stroke, each_figure_is_a_polygon_in_the_brush_colour) {
     startPage();
     FakePath path({{kWhole, {fixedPoint(1, 2), fixedPoint(3, 4)}}, {kWhole, {fixedPoint(5, 6), fixedPoint(7, 8)}}});

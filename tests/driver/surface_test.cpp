@@ -54,6 +54,15 @@ TEST_F(Surface, a_page_of_a_hundred_rows_is_not_retried) {
     EXPECT_THAT(heightsAsked(), ElementsAre(100));
 }
 
+TEST_F(Surface, a_band_of_a_hundred_rows_that_is_refused_is_tried_again_at_its_height) {
+    engine.grantsBitmap = [](const BitmapRequest& request) {
+        return request.size.cy == 1000 || (request.size.cy == 100 && fakeEngine().bitmaps.size() > 3) || request.size.cy == 10;
+    };
+    setPixels(100, 1100);
+    EXPECT_NE(tryEnable(), nullptr);
+    EXPECT_THAT(heightsAsked(), ElementsAre(1100, 1000, 100, 100, 10));
+}
+
 TEST_F(Surface, a_small_remainder_is_tried_again_at_its_height) {
     // The counter runs on in hundreds while the height stays below one.
     engine.grantsBitmap = [](const BitmapRequest& request) { return request.size.cy == 50 && fakeEngine().bitmaps.size() > 2; };
@@ -198,6 +207,14 @@ TEST_F(Surface, the_banding_test_leaves_small_pages_whole_but_says_so) {
     EXPECT_THAT(heightsAsked(), ElementsAre(3333));
     EXPECT_EQ(pdev->configuration().flags & MV_FL_BITMAP_BANDING, 0U);
     EXPECT_THAT(morvilLog(), Contains("Mark surface for banding"));
+}
+
+TEST_F(Surface, the_banding_test_leaves_ten_million_bytes_whole) {
+    configuration().processMode = kModeTest3;
+    setPixels(3333, 1000);  // rows of 10,000 bytes
+    ASSERT_NE(tryEnable(), nullptr);
+    EXPECT_THAT(heightsAsked(), ElementsAre(1000));
+    EXPECT_EQ(pdev->configuration().flags & MV_FL_BITMAP_BANDING, 0U);
 }
 
 TEST_F(Surface, other_modes_are_not_halved) {
