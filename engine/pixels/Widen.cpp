@@ -104,8 +104,17 @@ void addDot(Path& result, const Subpath& figure, const Pen& pen, double width, c
     result.close();
 }
 
+// AGG's measure for how finely an outline of `pieces` corners and caps is made: fine enough for the device, but no full turn takes
+// more than a thousand chords, and fewer where a file asks for so many turns that nothing else would bound the memory they take.
+double fineness(double pieces, double width, const WorldTransform& transform) {
+    constexpr double kMostChords = 4e6;
+    const double chords = std::clamp(kMostChords / std::max(pieces, 1.0), 16.0, 1024.0);
+    const double perRadian = chords / (2.0 * std::numbers::pi);  // AGG takes the square root of radius times scale
+    return std::min(kFineness * transform.scale(), perRadian * perRadian / (width / 2.0));
+}
+
 template <typename Source>
-void addOutline(Path& result, Source& source, const Pen& pen, double width, const WorldTransform& transform) {
+void addOutline(Path& result, Source& source, const Pen& pen, double width, double pieces, const WorldTransform& transform) {
     agg::conv_stroke<Source> stroke(source);
     stroke.width(width);
     // Past its limit a miter becomes a bevel.
@@ -113,7 +122,7 @@ void addOutline(Path& result, Source& source, const Pen& pen, double width, cons
     stroke.line_cap(pen.endCap == ENDCAP_ROUND ? agg::round_cap : pen.endCap == ENDCAP_SQUARE ? agg::square_cap : agg::butt_cap);
     stroke.miter_limit(std::max(1.0, static_cast<double>(pen.miterLimit)));
     stroke.inner_join(agg::inner_round);  // keeps the inside of sharp bends covered
-    stroke.approximation_scale(kFineness * transform.scale());
+    stroke.approximation_scale(fineness(pieces, width, transform));
     stroke.rewind(0);
     double x = 0.0;
     double y = 0.0;
@@ -162,6 +171,8 @@ Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice) {
     const std::vector<double> dashes = dashesOf(pen);
     double period = 0.0;
     for (const double dash : dashes) period += dash;
+    double corners = 0.0;
+    for (const Subpath& figure : path.subpaths()) corners += static_cast<double>(figure.points.size());
     for (const Subpath& figure : path.subpaths()) {
         if (isPoint(figure)) {
             addDot(result, figure, pen, width, *transform);
@@ -172,14 +183,14 @@ Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice) {
         curves.approximation_scale(kFineness * transform->scale());
         // A pattern that repeats far below a pixel is solid to the eye and would only take memory.
         constexpr double kMostPeriods = 1e6;
-        const bool dashed = !dashes.empty() && deviceLength(figure) / (period * transform->scale()) < kMostPeriods;
-        if (!dashed) {
-            addOutline(result, curves, pen, width, *transform);
+        const double periods = dashes.empty() ? 0.0 : deviceLength(figure) / (period * transform->scale());
+        if (dashes.empty() || periods >= kMostPeriods) {
+            addOutline(result, curves, pen, width, corners, *transform);
             continue;
         }
         agg::conv_dash<agg::conv_curve<agg::path_storage>> dash(curves);
         for (std::size_t i = 0; i + 1 < dashes.size(); i += 2) dash.add_dash(dashes[i], dashes[i + 1]);
-        addOutline(result, dash, pen, width, *transform);
+        addOutline(result, dash, pen, width, corners + periods * static_cast<double>(dashes.size()), *transform);
     }
     return result;
 }

@@ -179,6 +179,18 @@ TEST(WidenPath, curves_areAsWideEverywhere) {
     }
 }
 
+// A file of some kilobytes must not ask for gigabytes of corners.
+TEST(WidenPath, veryWideRoundPens_takeNoMoreThanSomeMillionCorners) {
+    Path zigzag;
+    zigzag.moveTo({0, 0});
+    for (FIX i = 1; i < 20'000; ++i) zigzag.lineTo({i * 16, i % 2 == 0 ? 0 : 1600});
+    const Path outline = widenPath(zigzag, pen(2147483648.0, ENDCAP_ROUND, JOIN_ROUND), kIdentity);
+    std::size_t corners = 0;
+    for (const Subpath& figure : outline.subpaths()) corners += figure.points.size();
+    EXPECT_GT(corners, 20'000U);
+    EXPECT_LT(corners, 12'000'000U);
+}
+
 TEST(WidenPath, absurdDashes_endInASolidLine) {
     Pen dashed = pen(2);
     dashed.style = {1e-9F, 1e-9F};
