@@ -1,6 +1,7 @@
 #include "config/CJobName.h"
 
 #include <algorithm>
+#include <array>
 
 #include "config/CPrinterConfig.h"
 #include "config/JobNameRules.h"
@@ -34,6 +35,23 @@ WString currentUser() {
 bool forbiddenInFileNames(WCHAR c) { return c < ' ' || c == 0x7F || WStringView(TEXT("\\/:*?\"<>|")).find(c) != WStringView::npos; }
 
 bool isDigit(WCHAR c) { return c >= '0' && c <= '9'; }
+
+// Where the part of a file name ends that the system looks at when it looks for a device, however the name goes on. A number that
+// the naming adds is not part of it, so that all jobs of one name are changed alike.
+std::size_t endOfDeviceName(WStringView file) {
+    std::size_t end = std::min(file.find('.'), file.size());
+    const std::size_t digits = file.substr(0, end).find_last_not_of(TEXT("0123456789")) + 1;
+    if (digits < end && digits > 0 && file[digits - 1] == ' ') end = digits;
+    return file.substr(0, end).find_last_not_of(' ') + 1;
+}
+
+bool isDevice(WStringView name) {
+    static constexpr std::array<WStringView, 6> kDevices{TEXT("CON"), TEXT("PRN"), TEXT("AUX"), TEXT("NUL"), TEXT("CONIN$"), TEXT("CONOUT$")};
+    WString upper(name);
+    std::ranges::transform(upper, upper.begin(), [](WCHAR c) { return c >= 'a' && c <= 'z' ? static_cast<WCHAR>(c - 'a' + 'A') : c; });
+    const bool port = upper.size() == 4 && (upper.starts_with(TEXT("COM")) || upper.starts_with(TEXT("LPT"))) && isDigit(upper[3]);
+    return port || std::ranges::find(kDevices, WStringView(upper)) != kDevices.end();
+}
 
 }  // namespace
 
@@ -95,6 +113,7 @@ WString CJobName::asFileName(WStringView name) {
     std::ranges::replace_if(file, forbiddenInFileNames, '_');
     const std::size_t kept = file.find_last_not_of(TEXT(". ")) + 1;  // 0 when there is nothing else
     std::fill(file.begin() + static_cast<std::ptrdiff_t>(kept), file.end(), WCHAR('_'));
+    if (const std::size_t end = endOfDeviceName(file); isDevice(WStringView(file).substr(0, end))) file[end - 1] = '_';
     return file;
 }
 

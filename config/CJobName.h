@@ -27,7 +27,8 @@ class CJobName {
     const WCHAR* getJobName(const WCHAR* documentName);
     // The base name of a numbered job name ("Plan 0003" gives "Plan").
     static WString withoutNumber(WStringView name);
-    // The name as a file name: what no file name may hold becomes "_".
+    // The name as a file name of the same length: what no file name may hold becomes "_", and the last character of a name that
+    // means a device ("NUL").
     static WString asFileName(WStringView name);
 
   private:

@@ -403,6 +403,16 @@ TEST_F(JobName, withoutNumber_takesABlankAndFourDigits) {
     for (const RuleCase& c : cases) EXPECT_EQ(toUtf8(CJobName::withoutNumber(fromUtf8(c.title))), c.expected) << c.title;
 }
 
+// The second job of such a name is told from the first.
+TEST_F(JobName, namesOfDevices_areNumberedLikeOthers) {
+    needsOptionalQuestionMarks();
+    EXPECT_EQ(nameOf("NUL"), "NUL");
+    putJob(spool, "NU_.tsf");
+    EXPECT_EQ(nameOf("NUL"), "NUL 0001");
+    putJob(spool, "NU_ 0001.tsf");
+    EXPECT_EQ(nameOf("NUL"), "NUL 0002");
+}
+
 TEST_F(JobName, asFileName_replacesWhatNoFileNameMayHold) {
     static constexpr RuleCase cases[] = {
         {"Plan", "Plan"},
@@ -414,6 +424,22 @@ TEST_F(JobName, asFileName_replacesWhatNoFileNameMayHold) {
         {".plan", ".plan"},
         {"Größe", "Größe"},
         {"", ""},
+        // A file of these names would be a device, whatever follows a point.
+        {"CON", "CO_"},
+        {"nul", "nu_"},
+        {"Aux.plan", "Au_.plan"},
+        {"Prn  .x", "Pr_  .x"},
+        {"lpt1", "lpt_"},
+        {"COM9", "COM_"},
+        {"CONIN$", "CONIN_"},
+        {"conout$", "conout_"},
+        {"CON 0001", "CO_ 0001"},  // as its first one
+        {"CON 12345", "CO_ 12345"},
+        {"CONE", "CONE"},
+        {"COM", "COM"},
+        {"COM10", "COM10"},
+        {"a CON", "a CON"},
+        {"0001", "0001"},
     };
     for (const RuleCase& c : cases) EXPECT_EQ(toUtf8(CJobName::asFileName(fromUtf8(c.title))), c.expected) << c.title;
 }
