@@ -11,8 +11,14 @@ constexpr DWORD kPauseBetweenAttempts = 1000;  // milliseconds
 
 }  // namespace
 
-MvMutex::MvMutex(const WCHAR* name, const DebugSwitches& switches) : m_processId(GetCurrentProcessId()), m_threadId(GetCurrentThreadId()) {
-    if (const int timeout = switches.value(TEXT("MvMutexTimeOut")); timeout >= 0) m_timeout = timeout;
+int MvMutex::timeoutOf(const DebugSwitches& switches) {
+    constexpr int kUsual = 10000;
+    const int timeout = switches.value(TEXT("MvMutexTimeOut"));
+    return timeout >= 0 ? timeout : kUsual;
+}
+
+MvMutex::MvMutex(const WCHAR* name, const DebugSwitches& switches)
+    : m_timeout(timeoutOf(switches)), m_processId(GetCurrentProcessId()), m_threadId(GetCurrentThreadId()) {
     for (int attempt = 1; attempt <= kOpenAttempts; ++attempt) {
         open(name);
         if (m_handle != nullptr) return;

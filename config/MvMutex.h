@@ -17,6 +17,9 @@ class MvMutex {
     MvMutex(const MvMutex&) = delete;
     MvMutex& operator=(const MvMutex&) = delete;
 
+    // Milliseconds for which one that is opened now waits.
+    [[nodiscard]] static int timeoutOf(const DebugSwitches& switches);
+
     // True when the mutex is had. An abandoned one counts as a failure and is let go at once.
     bool wait();
     // REQUIRES: the last wait succeeded.
@@ -27,7 +30,7 @@ class MvMutex {
     [[nodiscard]] bool grant() const;
 
     HANDLE m_handle = nullptr;
-    int m_timeout = 10000;  // milliseconds
+    int m_timeout;          // milliseconds
     DWORD m_processId;      // of the creator, for the texts
     DWORD m_threadId;
 };

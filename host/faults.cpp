@@ -2,18 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 
 #include "host/LoadedDriver.h"
+#include "host/OpenHandles.h"
 
 namespace morvil::host {
 
 namespace {
-
-DWORD openHandles() {
-    DWORD count = 0;
-    return GetProcessHandleCount(GetCurrentProcess(), &count) == FALSE ? 0 : count;
-}
 
 // The first calls of a recording, and behind them what an engine still calls for a document that it gives up. Surface and
 // instance are disabled with the player.
@@ -35,19 +30,14 @@ class Trials {
   public:
     Trials(const LoadedDriver& driver, const trace::Recording& recording) : m_driver(driver), m_recording(recording) {}
 
-    // How often something went wrong on purpose.
-    std::size_t cut() {
-        const std::size_t calls = m_recording.events.size();
-        for (std::size_t n = 0; n < calls; ++n) attempt(cutBehind(m_recording, n), {}, "cut behind call " + std::to_string(n));
-        return calls;
+    void cut() {
+        for (std::size_t n = 0; n < m_recording.events.size(); ++n) attempt(cutBehind(m_recording, n), {}, "cut behind call " + std::to_string(n));
     }
-    std::size_t abort(std::size_t questions) {
+    void abort(std::size_t questions) {
         for (std::size_t n = 0; n < questions; ++n) attempt(m_recording, {.abortFrom = n}, "aborted at question " + std::to_string(n + 1));
-        return questions;
     }
-    std::size_t refuse(std::size_t services) {
+    void refuse(std::size_t services) {
         for (std::size_t n = 0; n < services; ++n) attempt(m_recording, {.refused = n}, "refused service " + std::to_string(n + 1));
-        return services;
     }
     [[nodiscard]] const std::string& failure() const { return m_failure; }
 
@@ -55,10 +45,8 @@ class Trials {
     // What the driver answers is its own affair here; that it gives back what it took is not.
     void attempt(const trace::Recording& recording, const Mishap& mishap, const std::string& what) {
         if (!m_failure.empty()) return;
-        const DWORD before = openHandles();
         const std::size_t leftOver = m_driver.attempt(recording, mishap).leftOver;
         if (leftOver != 0) m_failure = what + ": " + std::to_string(leftOver) + " surfaces, palettes and locks were not given back";
-        if (const DWORD after = openHandles(); after > before) m_failure = what + ": " + std::to_string(after - before) + " handles were not closed";
     }
 
     const LoadedDriver& m_driver;
@@ -73,12 +61,18 @@ std::string faults(const std::filesystem::path& driverFile, const trace::Recordi
     if (std::string reason = driver.play(recording); !reason.empty()) return reason;
     const Attempt whole = driver.attempt(recording, {});
     Trials trials(driver, recording);
-    const std::size_t cut = trials.cut();
-    const std::size_t aborted = trials.abort(whole.abortQuestions);
-    const std::size_t refused = trials.refuse(whole.services);
+    std::size_t before = 0;
+    for (int round = 1; round <= 2; ++round) {
+        before = openHandles();  // in the first round the system opens some for good
+        trials.cut();
+        trials.abort(whole.abortQuestions);
+        trials.refuse(whole.services);
+    }
+    const std::size_t after = openHandles();
     if (!trials.failure().empty()) return trials.failure();
+    if (after > before) return std::to_string(after - before) + " handles were not closed";
     if (std::string reason = driver.play(recording); !reason.empty()) return "behind all that: " + reason;
-    std::printf("cut %zu, aborted %zu, refused %zu\n", cut, aborted, refused);
+    std::printf("cut %zu, aborted %zu, refused %zu\n", recording.events.size(), whole.abortQuestions, whole.services);
     return {};
 }
 

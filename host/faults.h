@@ -9,8 +9,9 @@
 namespace morvil::host {
 
 // Ends the document between any two calls; has the engine answer that it was aborted, from each question on; refuses each
-// engine service once. Prints how often to standard output: "cut N, aborted N, refused N". Empty when the driver gave back every
-// surface, palette and handle each time and prints as ever behind it; else what first went wrong.
+// engine service once; all of it twice. Prints how many of each to standard output: "cut N, aborted N, refused N". Empty when the
+// driver gave back every surface, palette and lock each time, has no more handles open behind the second round than behind the
+// first, and prints as ever; else what first went wrong.
 std::string faults(const std::filesystem::path& driverFile, const trace::Recording& recording);
 
 }  // namespace morvil::host

@@ -48,8 +48,7 @@ std::string configurationPath() { return hostPath(CMvConfig().configurationFile(
 
 // Milliseconds, when another process had the configuration's lock all the time; else 0. A holder that died is no obstacle.
 DWORD waitedForLockInVain() {
-    DWORD patience = 10000;
-    if (const int timeout = DebugSwitches().value(TEXT("MvMutexTimeOut")); timeout >= 0) patience = static_cast<DWORD>(timeout);  // as the store itself
+    const auto patience = static_cast<DWORD>(MvMutex::timeoutOf({}));  // as the store itself
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, kConfigurationMutex);
     if (mutex == nullptr) return 0;
     const DWORD result = WaitForSingleObject(mutex, patience);

@@ -1,4 +1,4 @@
-// WineHost.h - the Windows host with the shipped driver file under Wine, on a data root of its own that begins with one job.
+// WineHost.h - the Windows host with the shipped driver file under Wine, on the data root of its prefix.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -27,7 +27,6 @@ class WineHost : public testing::Test {
         std::string pattern = (fs::temp_directory_path() / "morvil-wine-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         m_folder = pattern;
-        record("");
     }
     void TearDown() override {
         if (!m_folder.empty()) fs::remove_all(m_folder);

@@ -20,6 +20,7 @@ class WineProcesses : public WineHost {
     void SetUp() override {
         WineHost::SetUp();
         if (IsSkipped() || HasFatalFailure()) return;
+        record("");
         m_job = withoutName(read(m_folder / "out/Plan/Plan.tsf"));
         ASSERT_FALSE(m_job.empty());
     }
