@@ -39,7 +39,8 @@ class WineHost : public testing::Test {
                                   " --set PrinterDriver.Configuration.Print.Process.ProcessOption.Resolution@index=5 " + options + " " +
                                   inQuotes(std::string(MORVIL_SAMPLES) + "/badge.emf");
         ASSERT_EQ(std::system((trace + " >/dev/null").c_str()), 0);
-        ASSERT_EQ(std::system((host() + inQuotes(m_folder / "out") + " " + inQuotes(recording()) + " >/dev/null 2>&1").c_str()), 0);
+        const fs::path said = m_folder / "played";
+        ASSERT_EQ(std::system((host() + inQuotes(m_folder / "out") + " " + inQuotes(recording()) + " >" + inQuotes(said) + " 2>&1").c_str()), 0) << read(said);
     }
     [[nodiscard]] fs::path recording() const { return m_folder / "Plan.rec"; }
     static std::string host() { return "WINEDEBUG=-all wine " + inQuotes(MORVIL_WINDOWS_HOST) + " " + inQuotes(MORVIL_WINDOWS_DRIVER) + " "; }
