@@ -1,9 +1,14 @@
-// Coverage.cpp - scan conversion by exact integer arithmetic. The drawing libraries at hand light other pixels than the platform's
-// rule names (docs/engine-choices.md says which); here every crossing of an edge and a pixel row is a fraction whose numerator
-// is carried from row to row, so that the same path gives the same pixels everywhere.
+// Coverage.cpp - scan conversion by AGG. Only where an edge crosses a row of pixels is computed here, as a fraction whose numerator
+// is carried from row to row: the platform's rule asks for it exactly, and the drawing libraries at hand round it
+// (docs/engine-choices.md says which). So the same path gives the same pixels everywhere.
 #include "engine/pixels/Coverage.h"
 
+#include <agg_rasterizer_scanline_aa_nogamma.h>
+#include <agg_rasterizer_sl_clip.h>
+#include <agg_scanline_bin.h>
+
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "engine/pixels/FixedMath.h"
@@ -34,8 +39,6 @@ struct Edge {
     SteppedQuotient column;
 };
 
-bool byColumn(const Edge& a, const Edge& b) { return a.column.value() < b.column.value(); }
-
 std::optional<Edge> makeEdge(POINTFIX from, POINTFIX to, const RECTL& area) {
     POINTFIX upper = withinReach(from);
     POINTFIX lower = withinReach(to);
@@ -62,7 +65,7 @@ bool liesBeside(const Subpath& figure, const RECTL& area) {
     return ceilPixel(withinReach(*right).x) <= area.left || ceilPixel(withinReach(*left).x) >= area.right;
 }
 
-// In the order in which a scan meets them: by row, then by column.
+// By row, as a scan meets them.
 std::vector<Edge> edgesOf(const Path& flat, const RECTL& area) {
     std::vector<Edge> edges;
     for (const Subpath& figure : flat.subpaths()) {
@@ -73,49 +76,38 @@ std::vector<Edge> edgesOf(const Path& flat, const RECTL& area) {
             last = point;
         }
     }
-    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.firstRow != b.firstRow ? a.firstRow < b.firstRow : byColumn(a, b); });
+    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.firstRow < b.firstRow; });
     return edges;
 }
 
-// Edges hardly change places from row to row, so insertion is cheap. Where they do, as in a scribble that crosses itself all the
-// time, the work is left to a sort.
-void sortByColumn(std::vector<Edge>& active) {
-    constexpr std::size_t kMovesPerEdge = 16;
-    std::size_t moves = active.size() * kMovesPerEdge;
-    for (std::size_t i = 1; i < active.size(); ++i) {
-        if (active[i - 1].column.value() <= active[i].column.value()) continue;
-        const Edge moving = active[i];
-        std::size_t place = i;
-        for (; place > 0 && active[place - 1].column.value() > moving.column.value(); --place) active[place] = active[place - 1];
-        active[place] = moving;
-        if (i - place > moves) return std::sort(active.begin(), active.end(), byColumn);
-        moves -= i - place;
-    }
-}
+// One row of pixels after the other. AGG sorts the crossings, counts the turns by either rule and joins the spans. It gets
+// every crossing as the left side of a whole pixel, so none is ever covered in part. Turns are counted up to 32767.
+class PixelRow {
+  public:
+    explicit PixelRow(bool alternate) { m_rasterizer.filling_rule(alternate ? agg::fill_even_odd : agg::fill_non_zero); }
 
-// Takes the edges that begin in this row in among the others, which are sorted.
-void takeIn(std::vector<Edge>& active, const std::vector<Edge>& edges, std::size_t& next, LONG y) {
-    const auto before = static_cast<std::ptrdiff_t>(active.size());
-    while (next < edges.size() && edges[next].firstRow == y) active.push_back(edges[next++]);
-    std::inplace_merge(active.begin(), active.begin() + before, active.end(), byColumn);
-}
-
-void emitRow(const std::vector<Edge>& active, bool alternate, LONG y, const RECTL& area, const std::function<void(const RECTL&)>& sink) {
-    int winding = 0;
-    std::int64_t begin = 0;
-    for (const Edge& edge : active) {
-        const bool wasInside = alternate ? (winding & 1) != 0 : winding != 0;
-        winding += edge.direction;
-        const bool isInside = alternate ? (winding & 1) != 0 : winding != 0;
-        if (wasInside == isInside) continue;
-        const std::int64_t column = std::clamp<std::int64_t>(edge.column.value(), area.left, area.right);
-        if (isInside) {
-            begin = column;
-        } else if (begin < column) {
-            sink({static_cast<LONG>(begin), y, static_cast<LONG>(column), y + 1});
-        }
+    void clear() { m_rasterizer.reset(); }
+    void cross(int column, int direction) {
+        const int x = column * agg::poly_subpixel_scale;
+        const int from = direction > 0 ? 0 : agg::poly_subpixel_scale;
+        m_rasterizer.edge(x, from, x, agg::poly_subpixel_scale - from);
     }
-}
+    // Hands out first column and end column of each span.
+    template <typename Sink>
+    void sweep(Sink sink) {
+        if (!m_rasterizer.rewind_scanlines()) return;
+        m_spans.reset(m_rasterizer.min_x(), m_rasterizer.max_x());
+        if (!m_rasterizer.sweep_scanline(m_spans)) return;
+        auto span = m_spans.begin();
+        for (unsigned i = 0; i < m_spans.num_spans(); ++i, ++span) sink(span->x, span->x + span->len);
+    }
+
+  private:
+    static constexpr unsigned kNoLimit = std::numeric_limits<unsigned>::max();  // by default AGG drops crossings after four million
+
+    agg::rasterizer_scanline_aa_nogamma<agg::rasterizer_sl_no_clip> m_rasterizer{kNoLimit};
+    agg::scanline32_bin m_spans;
+};
 
 }  // namespace
 
@@ -129,13 +121,18 @@ void coverPath(const Path& path, bool alternate, const RECTL& within, const std:
     const std::vector<Edge> edges = edgesOf(path.flattened(), within);
     std::vector<Edge> active;
     std::size_t next = 0;
+    PixelRow row(alternate);
+    const std::int64_t width = static_cast<std::int64_t>(within.right) - within.left;
     for (LONG y = edges.empty() ? within.bottom : edges.front().firstRow; y < within.bottom; ++y) {
         if (active.empty() && next == edges.size()) return;
-        sortByColumn(active);
-        takeIn(active, edges, next, y);
-        emitRow(active, alternate, y, within, sink);
+        while (next < edges.size() && edges[next].firstRow == y) active.push_back(edges[next++]);
+        row.clear();
+        for (Edge& edge : active) {
+            row.cross(static_cast<int>(std::clamp<std::int64_t>(edge.column.value() - within.left, 0, width)), edge.direction);
+            edge.column.advance();
+        }
+        row.sweep([&](LONG begin, LONG end) { sink({within.left + begin, y, within.left + end, y + 1}); });
         std::erase_if(active, [y](const Edge& edge) { return edge.endRow == y + 1; });
-        for (Edge& edge : active) edge.column.advance();
     }
 }
 

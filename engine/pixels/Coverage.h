@@ -9,7 +9,7 @@
 namespace morvil::engine {
 
 // Hands the covered pixels within the box to `sink`: rectangles that do not overlap, from top to bottom and left to right.
-// Curves are flattened. Takes memory for the path's edges only, never for pixels.
+// Curves are flattened. Takes memory for the path's edges only, never for pixels. REQUIRES: the box is at most 2^22 columns wide.
 void coverPath(const Path& path, bool alternate, const RECTL& within, const std::function<void(const RECTL&)>& sink);
 
 }  // namespace morvil::engine
