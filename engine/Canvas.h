@@ -4,6 +4,7 @@
 // Lives for one page of one document; printing thread only. A call that the driver fails with an error makes ok() false.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 
 #include "engine/Drawing.h"
@@ -20,6 +21,12 @@ class Canvas {
 
     [[nodiscard]] virtual SIZEL pageSize() const = 0;   // whole page in pixels
     [[nodiscard]] virtual double dpi() const = 0;
+    // The page and as much again on each side: where curves keep their shape exactly, and beyond which they become coarse.
+    [[nodiscard]] RECTL sight() const {
+        const SIZEL page = pageSize();
+        const LONG around = std::max(page.cx, page.cy);
+        return {-around, -around, page.cx + around, page.cy + around};
+    }
     [[nodiscard]] virtual bool ok() const = 0;          // false: the page was aborted or the driver failed
 
     // The clip of all following calls, in page pixels; none: the whole page.

@@ -1,8 +1,7 @@
-// Path.cpp - building, measuring and flattening paths.
+// Path.cpp - building and measuring paths.
 #include "engine/Path.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace morvil::engine {
@@ -13,42 +12,6 @@ bool same(POINTFIX a, POINTFIX b) { return a.x == b.x && a.y == b.y; }
 FIX addSaturated(FIX value, FIX delta) {
     const std::int64_t sum = static_cast<std::int64_t>(value) + delta;
     return static_cast<FIX>(std::clamp<std::int64_t>(sum, std::numeric_limits<FIX>::min(), std::numeric_limits<FIX>::max()));
-}
-
-FIX roundToFix(double value) {
-    constexpr double kLimit = 2147483647.0;
-    return static_cast<FIX>(std::lround(std::clamp(value, -kLimit, kLimit)));
-}
-
-// How many equal parameter steps keep the chords of a cubic within the tolerance: the second derivative of the curve is at
-// most 6 * d with d the larger second difference of the control points, and a chord of step h strays by at most 6 * d * h^2 / 8.
-int stepsFor(const POINTFIX& p0, const POINTFIX& p1, const POINTFIX& p2, const POINTFIX& p3, FIX tolerance) {
-    const auto difference = [](const POINTFIX& a, const POINTFIX& b, const POINTFIX& c) {
-        return std::hypot(static_cast<double>(a.x) - 2.0 * b.x + c.x, static_cast<double>(a.y) - 2.0 * b.y + c.y);
-    };
-    const double d = std::max(difference(p0, p1, p2), difference(p1, p2, p3));
-    constexpr double kMostSteps = 4096.0;  // a curve across the largest page needs some hundreds
-    const double steps = std::ceil(std::sqrt(0.75 * d / std::max<FIX>(tolerance, 1)));
-    return static_cast<int>(std::clamp(steps, 1.0, kMostSteps));
-}
-
-void appendChords(Subpath& figure, POINTFIX p0, POINTFIX p1, POINTFIX p2, POINTFIX p3, FIX tolerance) {
-    const int steps = stepsFor(p0, p1, p2, p3, tolerance);
-    for (int i = 1; i < steps; ++i) {
-        const double t = static_cast<double>(i) / steps;
-        const double s = 1.0 - t;
-        const double b0 = s * s * s;
-        const double b1 = 3.0 * s * s * t;
-        const double b2 = 3.0 * s * t * t;
-        const double b3 = t * t * t;
-        const POINTFIX point{roundToFix(b0 * p0.x + b1 * p1.x + b2 * p2.x + b3 * p3.x),
-                             roundToFix(b0 * p0.y + b1 * p1.y + b2 * p2.y + b3 * p3.y)};
-        if (same(point, figure.points.back())) continue;
-        figure.points.push_back(point);
-        figure.segments.push_back(SegmentKind::Line);
-    }
-    figure.points.push_back(p3);
-    figure.segments.push_back(SegmentKind::Line);
 }
 
 }  // namespace
@@ -132,26 +95,6 @@ void Path::translate(FIX dx, FIX dy) {
     const auto move = [dx, dy](POINTFIX& point) { point = {addSaturated(point.x, dx), addSaturated(point.y, dy)}; };
     for (Subpath& figure : m_subpaths) std::for_each(figure.points.begin(), figure.points.end(), move);
     if (m_start) move(*m_start);
-}
-
-Path Path::flattened(FIX tolerance) const {
-    if (!hasBeziers()) return *this;
-    Path result;
-    result.m_start = m_start;
-    for (const Subpath& figure : m_subpaths) {
-        Subpath& flat = result.m_subpaths.emplace_back(Subpath{.points = {figure.points.front()}, .segments = {}, .closed = figure.closed});
-        std::size_t next = 1;
-        for (const SegmentKind kind : figure.segments) {
-            if (kind == SegmentKind::Line) {
-                flat.points.push_back(figure.points[next++]);
-                flat.segments.push_back(SegmentKind::Line);
-                continue;
-            }
-            appendChords(flat, figure.points[next - 1], figure.points[next], figure.points[next + 1], figure.points[next + 2], tolerance);
-            next += 3;
-        }
-    }
-    return result;
 }
 
 }  // namespace morvil::engine

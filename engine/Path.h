@@ -2,6 +2,7 @@
 // what drawings hold. Curves are cubic Beziers; ellipses and arcs arrive as Beziers.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -19,6 +20,17 @@ struct Subpath {
     std::vector<POINTFIX> points;
     std::vector<SegmentKind> segments;
     bool closed = false;
+};
+
+// How curves become lines.
+struct Flattening {
+    FIX tolerance = 4;  // in sixteenths of a pixel
+    // Box in pixels around all that can be seen. What of a curve lies on one side of it becomes a single line on that side: the
+    // lines within the box, and what the path encloses there, are the same as without.
+    std::optional<RECTL> seen;
+    bool keepsNear = false;  // curves that lie wholly within the box stay curves
+    // Beyond this many lines all curves become coarser, however many they are; one line for each is the least.
+    std::size_t mostLines = std::size_t{1} << 20;
 };
 
 class Path {
@@ -43,8 +55,8 @@ class Path {
     [[nodiscard]] RECTL bounds() const;
     // Coordinates stop at the ends of the number range.
     void translate(FIX dx, FIX dy);
-    // Curves replaced by lines; the tolerance is in sixteenths of a pixel.
-    [[nodiscard]] Path flattened(FIX tolerance = 4) const;
+    // Curves replaced by lines (Flattening.cpp).
+    [[nodiscard]] Path flattened(const Flattening& how = {}) const;
 
   private:
     Subpath& openFigure(POINTFIX fallback);

@@ -55,6 +55,7 @@ bool stretchRop(const StretchRequest& request);
 // of a style unit comes from the surface's device.
 void strokeCosmetic(EngineSurface& surface, const Path& path, const EngineClip& clip, const EngineBrush& brush, const Pen& pen, int rop2);
 // The outline of a stroked path: joins, caps and dashes in world units, result in device coordinates, to be filled winding.
-Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice);
+// Beyond `seen` curves are coarser, as far as the width of the pen lets nothing of that show.
+Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice, const std::optional<RECTL>& seen = std::nullopt);
 
 }  // namespace morvil::engine

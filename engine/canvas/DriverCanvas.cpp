@@ -27,6 +27,8 @@ Brush DriverCanvas::inBand(const Brush& brush) const {
     return moved;
 }
 
+Path DriverCanvas::flat(const Path& path) const { return path.flattened({.seen = inBand(sight())}); }
+
 void DriverCanvas::setClip(std::optional<Region> clip) {
     m_clip = Region(surfaceBounds());
     if (!clip) return;

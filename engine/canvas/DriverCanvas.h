@@ -56,6 +56,8 @@ class DriverCanvas : public Canvas {
     [[nodiscard]] RECTL inBand(const RECTL& rectangle) const;
     [[nodiscard]] Path inBand(const Path& path) const;
     [[nodiscard]] Brush inBand(const Brush& brush) const;
+    // A path that has been brought into the band, without curves.
+    [[nodiscard]] Path flat(const Path& path) const;
     // The clip in surface pixels.
     [[nodiscard]] const Region& clip() const { return m_clip; }
     [[nodiscard]] EngineBrush realizeFill(const Brush& brush);

@@ -32,7 +32,7 @@ DriverCanvas::Outcome DriverCanvas::offerFill(const Path& path, EngineBrush& bru
         const Outcome outcome = offer(path);
         if (outcome != Outcome::HandedBack) return outcome;
     }
-    return offer(curves ? path.flattened() : path);
+    return offer(curves ? flat(path) : path);
 }
 
 // The driver sees a fill only in a mode that its capability flags name; the outline of a widened stroke is offered always.
@@ -40,7 +40,7 @@ void DriverCanvas::fillRealized(const Path& path, EngineBrush& brush, FillMode m
     const bool modeTaken = caps(mode == FillMode::Alternate ? GCAPS_ALTERNATEFILL : GCAPS_WINDINGFILL);
     const bool offered = hooked(HOOK_FILLPATH) && m_target.driver->fillPath != nullptr && (modeTaken || alwaysOffer);
     if (offered && offerFill(path, brush, mode, rop2) != Outcome::HandedBack) return;
-    EnginePath object = makePath(path.flattened());
+    EnginePath object = makePath(flat(path));
     EngineClip clipObject = makeClip(clip(), surfaceBounds(), surfaceBounds());
     EngFillPath(m_target.surface, &object, &clipObject, &brush, &brush.origin, mixOf(rop2), optionsOf(mode));
 }

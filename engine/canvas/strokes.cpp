@@ -66,7 +66,7 @@ DriverCanvas::Outcome DriverCanvas::offerStroke(const Path& path, const Pen& pen
         const Outcome outcome = offer(path);
         if (outcome != Outcome::HandedBack) return outcome;
     }
-    return offer(curves ? path.flattened() : path);
+    return offer(curves ? flat(path) : path);
 }
 
 void DriverCanvas::strokeThin(const Path& path, const Pen& pen, int rop2) {
@@ -77,7 +77,7 @@ void DriverCanvas::strokeThin(const Path& path, const Pen& pen, int rop2) {
         case Outcome::HandedBack: break;
     }
     const EngineClip clipObject = makeClip(clip(), surfaceBounds(), surfaceBounds());
-    strokeCosmetic(*m_target.surface, path.flattened(), clipObject, brush, pen, rop2);
+    strokeCosmetic(*m_target.surface, flat(path), clipObject, brush, pen, rop2);
     count(&PageReport::strokesByEngine);
 }
 
@@ -91,7 +91,7 @@ void DriverCanvas::strokeGeometric(const Path& path, const Pen& pen, const XFORM
     }
     XFORM inBandTransform = worldToDevice;
     inBandTransform.eDy -= static_cast<FLOAT>(m_target.bandTop);
-    const Path outline = widenPath(path, pen, inBandTransform);
+    const Path outline = widenPath(path, pen, inBandTransform, inBand(sight()));
     fillRealized(outline, brush, FillMode::Winding, rop2, true);
     count(&PageReport::strokesByEngine);
 }
@@ -114,7 +114,7 @@ bool DriverCanvas::offerStrokeAndFill(const Path& path, const Pen& pen, const XF
     };
     const bool curves = path.hasBeziers();
     if (curves && caps(GCAPS_BEZIERS) && offer(path) != Outcome::HandedBack) return true;
-    return offer(curves ? path.flattened() : path) != Outcome::HandedBack;
+    return offer(curves ? flat(path) : path) != Outcome::HandedBack;
 }
 
 // On two refusals the interior is filled and the outline stroked above it.

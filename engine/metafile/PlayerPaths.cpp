@@ -66,7 +66,7 @@ void Player::strokeAndFillPath(const Record&) { strokeAndFillNow(copyOf(takePath
 
 void Player::flattenPath(const Record&) {
     if (m_bracket != Bracket::Finished) throw DamagedRecord("there is no finished path");
-    m_path = m_path.flattened();
+    m_path = m_path.flattened({.seen = m_canvas.sight()});
     m_pathIsEllipse = false;
 }
 
@@ -75,7 +75,7 @@ void Player::widenPath(const Record&) {
     if (m_bracket != Bracket::Finished) throw DamagedRecord("there is no finished path");
     const Pen pen = realisePen();
     if (pen.null || !pen.geometric) return;
-    m_path = copyOf(morvil::engine::widenPath(m_path, pen, logicalToPage().toXform()), false);  // the outline may lie farther out
+    m_path = copyOf(morvil::engine::widenPath(m_path, pen, logicalToPage().toXform(), m_canvas.sight()), false);  // the outline may lie farther out
     m_pathIsEllipse = false;
 }
 

@@ -118,7 +118,7 @@ void coverPath(const Path& path, bool alternate, const RECTL& within, const std:
         if (!isEmpty(covered)) sink(covered);
         return;
     }
-    const std::vector<Edge> edges = edgesOf(path.flattened(), within);
+    const std::vector<Edge> edges = edgesOf(path.flattened({.seen = within}), within);
     std::vector<Edge> active;
     std::size_t next = 0;
     PixelRow row(alternate);

@@ -42,6 +42,8 @@ class WorldTransform {
     }
     // Device pixels of a world unit, the mean over all directions.
     [[nodiscard]] double scale() const { return std::sqrt(std::abs(m_determinant)); }
+    // At least as many as in the direction that has most.
+    [[nodiscard]] double stretch() const { return std::hypot(std::hypot(m_form.eM11, m_form.eM12), std::hypot(m_form.eM21, m_form.eM22)); }
 
   private:
     WorldTransform(const XFORM& form, double determinant) : m_form(form), m_determinant(determinant) {}
@@ -159,15 +161,32 @@ double deviceLength(const Subpath& figure) {
     return length;
 }
 
+// The path with AGG left to cut those curves alone that lie where they are seen, and altogether into no more lines than memory
+// easily holds.
+Path withoutFarCurves(const Path& path, const Pen& pen, double width, const WorldTransform& transform, const std::optional<RECTL>& seen) {
+    constexpr FIX kTolerance = 2;  // an eighth of a pixel, as AGG's
+    constexpr std::size_t kMostLines = std::size_t{1} << 20;
+    Flattening how{.tolerance = kTolerance, .seen = seen, .keepsNear = true, .mostLines = kMostLines};
+    if (seen) {
+        // No cap, corner or miter reaches farther from the path.
+        constexpr double kMost = 1 << 28;
+        const double reach = std::max(2.0, static_cast<double>(pen.miterLimit)) * (width / 2.0) * transform.stretch();
+        const auto room = static_cast<LONG>(std::ceil(std::clamp(reach, 0.0, kMost)));
+        how.seen = RECTL{seen->left - room, seen->top - room, seen->right + room, seen->bottom + room};
+    }
+    return path.flattened(how);
+}
+
 }  // namespace
 
-Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice) {
+Path widenPath(const Path& wholePath, const Pen& pen, const XFORM& worldToDevice, const std::optional<RECTL>& seen) {
     Path result;
     const std::optional<WorldTransform> transform = WorldTransform::make(worldToDevice);
     if (!transform || pen.null) return result;
     // A pen thinner than a pixel still draws one.
     const double width = std::max(std::abs(pen.width), 1.0 / transform->scale());
     if (!std::isfinite(width)) return result;
+    const Path path = withoutFarCurves(wholePath, pen, width, *transform, seen);
     const std::vector<double> dashes = dashesOf(pen);
     double period = 0.0;
     for (const double dash : dashes) period += dash;

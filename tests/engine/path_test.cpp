@@ -97,7 +97,7 @@ TEST(Path, ellipseMark_lastsUntilTheNextSegment) {
 
 TEST(Path, flattened_staysWithinTheToleranceAndEndsOnTheCurve) {
     const double radius = 500.0;
-    const Path flat = circle(600, 600, radius).flattened(4);
+    const Path flat = circle(600, 600, radius).flattened({.tolerance = 4});
     EXPECT_FALSE(flat.hasBeziers());
     ASSERT_EQ(flat.subpaths().size(), 1U);
     const std::vector<POINTFIX>& points = flat.subpaths()[0].points;
@@ -110,7 +110,7 @@ TEST(Path, flattened_staysWithinTheToleranceAndEndsOnTheCurve) {
         // Middle of a chord: a quarter pixel of flattening, the Bezier's own deviation from a circle, rounding.
         EXPECT_NEAR(std::hypot(mx, my), radius, 0.25 + radius * 0.0003 + 0.07) << "chord " << i;
     }
-    EXPECT_GT(circle(600, 600, radius).flattened(1).curveCount(), flat.curveCount());
+    EXPECT_GT(circle(600, 600, radius).flattened({.tolerance = 1}).curveCount(), flat.curveCount());
 }
 
 TEST(PathRecords, emptyPath_endsAtOnceWithoutPoints) {
