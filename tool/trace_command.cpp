@@ -50,14 +50,23 @@ std::vector<trace::KeptFile> dataRootFiles() {
     return files;
 }
 
-bool restore(const trace::KeptFile& kept) {
+// The path of a kept file below the home folder; empty when it leads out of it or names no file.
+fs::path pathBelowHome(const trace::KeptFile& kept) {
+    constexpr std::size_t kLongestName = 250;
     std::string path = toUtf8(kept.path);
     std::replace(path.begin(), path.end(), '\\', '/');
     const fs::path relative = fs::path(path).lexically_normal();
-    if (relative.is_absolute() || relative.string().starts_with("..")) return false;
+    const bool leadsOut = relative.is_absolute() || relative.empty() || *relative.begin() == "..";
+    const bool isFile = relative.has_filename() && relative != "." && path.find('\0') == std::string::npos;
+    const bool isShort = std::ranges::all_of(relative, [](const fs::path& name) { return name.string().size() <= kLongestName; });
+    return !leadsOut && isFile && isShort ? relative : fs::path();
+}
+
+int restore(const trace::KeptFile& kept) {
+    const fs::path file = hostState().home / pathBelowHome(kept);
     std::error_code error;
-    fs::create_directories((hostState().home / relative).parent_path(), error);
-    return write(hostState().home / relative, kept.content) == 0;
+    fs::create_directories(file.parent_path(), error);
+    return error ? error.value() : write(file, kept.content);
 }
 
 int fail(const Streams& streams, const char* command, const std::string& text, int status) {
@@ -95,10 +104,15 @@ int runReplay(const ReplayOptions& options, engine::EnableDriverFunction driver,
     std::string reason;
     const auto recording = trace::fromBytes(read(options.file), reason);
     if (!recording) return fail(streams, "replay", options.file + ": " + reason, kUsage);
+    const auto bad = std::ranges::find_if(recording->files, [](const trace::KeptFile& kept) { return pathBelowHome(kept).empty(); });
+    if (bad != recording->files.end()) {
+        return fail(streams, "replay", options.file + ": it keeps \"" + toUtf8(bad->path) + "\", which is no file below the data root", kUsage);
+    }
     useHome(options.home);
     useApplication(options.application);
     for (const trace::KeptFile& kept : recording->files) {
-        if (!restore(kept)) return fail(streams, "replay", toUtf8(kept.path) + " cannot be written", kSystemFailed);
+        const int number = restore(kept);
+        if (number != 0) return fail(streams, "replay", toUtf8(kept.path) + ": " + std::generic_category().message(number), kSystemFailed);
     }
     if (!options.spool.empty()) useSpoolFolder(options.spool);
     engine::engineState().maximumSurfaceBytes = recording->largestSurface;

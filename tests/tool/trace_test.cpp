@@ -173,14 +173,32 @@ TEST_F(Trace, replay_refuses_what_cannot_be_played) {
     }
 }
 
-// A path in a recording must not lead out of the data root.
+// A path in a recording must not lead out of the data root, and is looked at before anything is written.
 TEST_F(Trace, kept_files_stay_below_the_data_root) {
     ASSERT_EQ(record("badge.emf").status, kDone);
-    for (const WCHAR* const path : {TEXT("..\\outside.ini"), TEXT("\\outside.ini"), TEXT("a\\..\\..\\outside.ini")}) {
-        change([path](trace::Recording& recorded) { recorded.files.at(0).path = path; });
-        EXPECT_EQ(replay().status, kSystemFailed) << toUtf8(path);
+    const WString long_name(300, 'n');
+    const WString with_end{'a', 0, 'b'};
+    for (const WString& path : {WString(TEXT("..\\outside.ini")), WString(TEXT("\\outside.ini")), WString(TEXT("a\\..\\..\\outside.ini")), WString(TEXT("..")),
+                                WString(), WString(TEXT(".")), WString(TEXT("folder\\")), TEXT("folder\\") + long_name, with_end}) {
+        change([&](trace::Recording& recorded) {
+            recorded.files.resize(2);
+            recorded.files.at(0).path = TEXT("first.ini");
+            recorded.files.at(1).path = path;
+        });
+        const Outcome again = replay();
+        EXPECT_EQ(again.status, kUsage) << toUtf8(path);
+        EXPECT_THAT(again.err, HasSubstr("calls.rec: it keeps \"" + toUtf8(path) + "\", which is no file below the data root"));
         EXPECT_FALSE(fs::exists(m_home.folder() / "outside.ini"));
+        EXPECT_FALSE(fs::exists(m_home.folder() / "other/first.ini"));
     }
+}
+
+TEST_F(Trace, kept_files_that_cannot_be_written_are_the_systems_failure) {
+    ASSERT_EQ(record("badge.emf").status, kDone);
+    std::ofstream(m_home.folder() / "other") << "a file where the data root should be";
+    const Outcome again = replay();
+    EXPECT_EQ(again.status, kSystemFailed);
+    EXPECT_THAT(again.err, HasSubstr(": Not a directory"));
 }
 
 TEST_F(Trace, a_recording_that_cannot_be_written_is_told) {
