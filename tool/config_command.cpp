@@ -6,6 +6,7 @@
 #include "tool/Commands.h"
 #include "tool/ConfigurationItem.h"
 #include "tool/Host.h"
+#include "tool/NumberReading.h"
 
 namespace morvil::tool {
 
@@ -55,9 +56,13 @@ int set(const ConfigurationItem& item, const ConfigOptions& options, const Strea
         streams.err << "morvil config: " << notStorableText() << "\n";
         return kUsage;
     }
-    if (store({item, fromUtf8(options.value)})) return kDone;
-    streams.err << "morvil config: " << notStoredText(item) << "\n";
-    return kSystemFailed;
+    const Setting setting{item, fromUtf8(options.value)};
+    if (!store(setting)) {
+        streams.err << "morvil config: " << notStoredText(item) << "\n";
+        return kSystemFailed;
+    }
+    if (const std::string different = differentReadingText(setting); !different.empty()) streams.err << "morvil config: " << different << "\n";
+    return kDone;
 }
 
 int remove(const ConfigurationItem& item, const ConfigOptions& options, const Streams& streams) {

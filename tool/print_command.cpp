@@ -12,6 +12,7 @@
 #include "tool/ConfigurationItem.h"
 #include "tool/Host.h"
 #include "tool/Interrupts.h"
+#include "tool/NumberReading.h"
 #include "tool/PageSetup.h"
 #include "tool/PrintSummary.h"
 #include "tool/Progress.h"
@@ -114,6 +115,7 @@ int PrintCommand::prepareHost() {
     if (!m_options.spool.empty()) useSpoolFolder(m_options.spool);
     for (const Setting& setting : m_settings) {
         if (!store(setting)) return failure(notStoredText(setting.item));
+        if (const std::string different = differentReadingText(setting); !different.empty()) m_streams.err << "morvil print: " << different << "\n";
     }
     return kDone;
 }
