@@ -12,9 +12,10 @@ namespace morvil {
 
 std::shared_ptr<XmlDocument> parseFileBytes(const std::vector<std::uint8_t>& bytes, std::shared_ptr<XmlDocument> spent) {
     if (bytes.empty()) return nullptr;
-    std::size_t length = 0;
-    if (spent == nullptr) return parseXml(decodeFileBytes(bytes, length));
-    spent->restart(decodeFileBytes(bytes, length, spent->takeText()));
+    if (spent == nullptr) spent = std::make_shared<XmlDocument>();
+    const std::span<WCHAR> text = spent->startText(bytes.size());
+    if (text.empty()) return nullptr;
+    spent->endText(text.first(decodeFileBytes(bytes, text) / sizeof(WCHAR)));
     parseXml(*spent);
     return spent;
 }

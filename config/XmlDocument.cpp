@@ -12,9 +12,8 @@ static_assert(std::is_trivially_destructible_v<XmlNode> && std::is_trivially_des
 
 namespace {
 
-// The arena's first block; its later ones grow with what is taken. A configuration file needs about five bytes of nodes for each
-// character and gets them in one block: allocators that learn from the largest block then keep the whole for the next document.
-std::size_t firstBlock(std::size_t characters) { return std::clamp<std::size_t>(characters * 6, 1024, std::size_t{4} << 20); }
+// For the nodes of a text. A configuration file needs about five bytes for each character.
+std::size_t usualNodes(std::size_t characters) { return std::clamp<std::size_t>(characters * 6, 1024, std::size_t{4} << 20); }
 
 // Compared as bytes, which is quicker than unit by unit; most names differ in length or in their first character.
 bool same(WStringView one, WStringView other) {
@@ -60,21 +59,34 @@ const XmlNode* nextSameElement(const XmlNode& node) {
     return nullptr;
 }
 
-XmlDocument::XmlDocument(WString text) : m_text(std::move(text)), m_nextBlock(firstBlock(m_text.size())) { m_root.type = XmlType::Root; }
-
-WString XmlDocument::takeText() {
-    m_root = {};
-    m_root.type = XmlType::Root;
-    return std::move(m_text);
+XmlDocument::XmlDocument(WStringView text) {
+    const std::span<WCHAR> copy = startText(text.size());
+    if (copy.data() == nullptr) throw std::bad_alloc();
+    std::copy(text.begin(), text.end(), copy.begin());
+    endText(copy);
 }
 
-// Of several blocks the last is the largest.
-void XmlDocument::restart(WString text) {
-    m_text = std::move(text);
-    m_free = {};
-    if (m_blocks.empty()) return;
-    m_blocks.erase(m_blocks.begin(), m_blocks.end() - 1);
-    m_free = {m_blocks.back().get(), m_lastBlock};
+// One block for all of it: many small ones go back to the system with their document, and to be given them again, page by page,
+// costs more than parsing. From one that is large the allocator learns to keep as much.
+std::span<WCHAR> XmlDocument::startText(std::size_t characters) {
+    const std::size_t bytes = (characters + 1) * sizeof(WCHAR);
+    m_root = {.type = XmlType::Root};
+    m_text = {};
+    if (m_lastBlock >= bytes) {
+        m_blocks.erase(m_blocks.begin(), m_blocks.end() - 1);  // of several the last is the largest
+        m_free = {m_blocks.back().get(), m_lastBlock};
+    } else {
+        m_blocks.clear();
+        m_free = {};
+        m_nextBlock = bytes + usualNodes(characters);
+    }
+    const std::span<WCHAR> place = room(characters + 1);
+    return place.empty() ? place : place.first(characters);
+}
+
+void XmlDocument::endText(std::span<WCHAR> text) {
+    text.data()[text.size()] = 0;
+    m_text = {text.data(), text.size()};
 }
 
 void* XmlDocument::takeFromNewBlock(std::size_t bytes) {

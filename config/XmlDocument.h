@@ -1,4 +1,4 @@
-// XmlDocument.h - owns the memory of one tree: the text it was read from, which names and values point into, and one arena for
+// XmlDocument.h - owns the memory of one tree: one arena for the text it was read from, which names and values point into, for
 // nodes, attributes and changed texts. What is removed from the tree keeps its memory until the document goes; a document
 // lives for one reading or writing pass. One thread at a time.
 #pragma once
@@ -15,8 +15,10 @@ namespace morvil {
 
 class XmlDocument {
   public:
-    // A tree of nothing but the root. `text` is what a parser is going to point into.
-    explicit XmlDocument(WString text = {});
+    // A tree of nothing but the root.
+    XmlDocument() = default;
+    // The same with a copy of `text`, which a parser is going to point into. Throws when there is no memory.
+    explicit XmlDocument(WStringView text);
     XmlDocument(const XmlDocument&) = delete;
     XmlDocument& operator=(const XmlDocument&) = delete;
 
@@ -24,11 +26,11 @@ class XmlDocument {
     [[nodiscard]] const XmlNode& root() const { return m_root; }
     [[nodiscard]] WStringView text() const { return m_text; }
 
-    // For a reader that reads on and on: drops the tree and hands out the text, whose memory the next one may take, and begins
-    // anew with the memory that the tree had. A document that was handed back to the system and taken again page by page would
-    // cost more than parsing.
-    WString takeText();
-    void restart(WString text);
+    // The place for a text of `characters` and its terminator, and memory for its tree; data() is null when there is none. Drops
+    // the old text and tree and uses their memory, so that a reader who reads on and on takes it once.
+    std::span<WCHAR> startText(std::size_t characters);
+    // What stands there is the text, or this front of it. Ends it with a zero.
+    void endText(std::span<WCHAR> text);
 
     // These append at the end and return the new item; null when there is no memory, and the tree is then as before.
     XmlNode* addChild(XmlNode& node, XmlType type);
@@ -76,12 +78,12 @@ class XmlDocument {
     }
     void* takeFromNewBlock(std::size_t bytes);
 
-    WString m_text;
+    WStringView m_text;
     std::vector<std::unique_ptr<std::byte[]>> m_blocks;
     std::span<std::byte> m_free;  // of the last block
     std::size_t m_lastBlock = 0;  // bytes
-    std::size_t m_nextBlock;
-    XmlNode m_root;
+    std::size_t m_nextBlock = 1024;
+    XmlNode m_root{.type = XmlType::Root};
 };
 
 }  // namespace morvil

@@ -44,24 +44,21 @@ bool readFileBytes(const WCHAR* path, std::uint64_t limit, std::vector<std::uint
     return whole;
 }
 
-WString decodeFileBytes(std::span<const std::uint8_t> bytes, std::size_t& length, WString room) {
-    WString text = std::move(room);
-    text.resize(bytes.size());  // as much as the widest reading needs: two bytes for each
-    auto* const out = reinterpret_cast<std::uint8_t*>(text.data());
-    length = 0;
+std::size_t decodeFileBytes(std::span<const std::uint8_t> bytes, std::span<WCHAR> out) {
+    auto* const text = reinterpret_cast<std::uint8_t*>(out.data());
+    std::size_t length = 0;
     while (!bytes.empty()) {
         const auto piece = bytes.first(std::min(kPieceBytes, bytes.size()));
         bytes = bytes.subspan(piece.size());
         if (isUtf16(piece)) {
-            std::memcpy(out + length, piece.data(), piece.size());
+            std::memcpy(text + length, piece.data(), piece.size());
             length += piece.size();
         } else {
-            widen(piece, out + length);
+            widen(piece, text + length);
             length += piece.size() * sizeof(WCHAR);
         }
     }
-    text.resize(length / sizeof(WCHAR));
-    return text;
+    return length;
 }
 
 bool loadFile(const WCHAR* path, WString& text, std::size_t& length) {
@@ -70,7 +67,9 @@ bool loadFile(const WCHAR* path, WString& text, std::size_t& length) {
     try {
         std::vector<std::uint8_t> bytes;
         if (!readFileBytes(path, std::numeric_limits<INT>::max(), bytes)) return false;
-        text = decodeFileBytes(bytes, length);
+        text.resize(bytes.size());
+        length = decodeFileBytes(bytes, text);
+        text.resize(length / sizeof(WCHAR));
     } catch (const std::bad_alloc&) {
         length = 0;
     }

@@ -362,9 +362,9 @@ void parseXml(XmlDocument& document) {
     Parser(document, whole, document.root()).run();
 }
 
-std::unique_ptr<XmlDocument> parseXml(WString text) {
+std::unique_ptr<XmlDocument> parseXml(WStringView text) {
     try {
-        auto document = std::make_unique<XmlDocument>(std::move(text));
+        auto document = std::make_unique<XmlDocument>(text);
         parseXml(*document);
         return document;
     } catch (const std::bad_alloc&) {

@@ -11,7 +11,7 @@
 namespace morvil {
 
 // Null when there is no memory for a document. Character entities stay as they stand.
-std::unique_ptr<XmlDocument> parseXml(WString text);
+std::unique_ptr<XmlDocument> parseXml(WStringView text);
 // Reads the text of a document that has no tree yet.
 void parseXml(XmlDocument& document);
 

@@ -92,5 +92,29 @@ TEST(XmlDocument, removing_the_only_child_leaves_an_empty_list_to_append_to) {
     EXPECT_TRUE(document->root().children.hasOne());
 }
 
+// A text's place holds for it and its terminator, whatever the document held before; nothing of that is left.
+TEST(XmlDocument, starting_anew_drops_the_old_tree_and_takes_a_text_of_any_length) {
+    XmlDocument document(TEXT("<old/>"));
+    parseXml(document);
+    for (const std::size_t count : {1U, 3U, 5000U, 2U, 20000U, 20000U, 0U, 4U}) {
+        WString text;
+        std::string tree;
+        for (std::size_t n = 0; n < count; ++n) {
+            text += TEXT("<a x=' 1  2'/>");
+            tree += "element a x='1 2'\n";
+        }
+        const std::span<WCHAR> place = document.startText(text.size() + 7);
+        ASSERT_EQ(place.size(), text.size() + 7);
+        EXPECT_TRUE(document.root().children.empty());
+        EXPECT_EQ(document.root().type, XmlType::Root);
+        std::ranges::fill(place, TEXT('x'));
+        std::ranges::copy(text, place.begin());
+        document.endText(place.first(text.size()));
+        EXPECT_EQ(document.text().data()[text.size()], 0);
+        parseXml(document);
+        EXPECT_EQ(dump(document), tree) << count;
+    }
+}
+
 }  // namespace
 }  // namespace morvil
