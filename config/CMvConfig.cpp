@@ -29,7 +29,8 @@ Path joined(const Path& base, const Parts&... parts) {
     std::size_t length = 0;
     if (base[0] == 0) return path;
     const bool fits = append(path, length, viewOf(base)) && (append(path, length, parts) && ...);
-    return fits ? path : Path{};
+    if (!fits) path = {};
+    return path;
 }
 
 // A folder that exists is left as it is.
@@ -66,6 +67,17 @@ Path systemFolder(int which) {
     Path path{};
     if (FAILED(SHGetFolderPathW(nullptr, which, nullptr, SHGFP_TYPE_CURRENT, path.data()))) path = {};
     return path;
+}
+
+// A folder of the system that ours lie in. Who finds the one of ours needs no answer about the system's folder, only its name.
+struct FolderAround {
+    Path path;
+    bool hasOurs;
+};
+FolderAround folderAround(const WCHAR* ours, int which, int flags = 0) {
+    const Path named = systemFolder(which | CSIDL_FLAG_DONT_VERIFY);
+    const bool hasOurs = folderExists(joined(named, ours).data());
+    return {.path = hasOurs ? named : systemFolder(which | flags), .hasOurs = hasOurs};
 }
 
 bool createFile(const Path& path) { return path[0] != 0 && FileStream(path.data(), OpenMode::CreateNew).isOpen(); }
@@ -125,15 +137,18 @@ CMvConfig::CMvConfig() {
 }
 
 void CMvConfig::buildPathCommon() {
-    m_dataRoot = dataRootIn(systemFolder(CSIDL_COMMON_APPDATA | CSIDL_FLAG_CREATE));
+    const FolderAround data = folderAround(TEXT("\\Morvil\\Common Files"), CSIDL_COMMON_APPDATA, CSIDL_FLAG_CREATE);
+    m_dataRoot = dataRootIn(data.path);
     m_commonFiles = joined(m_dataRoot, TEXT("\\Common Files"));
     m_mainIni = joined(m_dataRoot, TEXT("\\morvil.ini"));
     m_debugIni = joined(m_dataRoot, TEXT("\\mvDebug.ini"));
     m_diagnosticsFile = joined(m_commonFiles, TEXT("\\Diagnostics.xml"));
-    m_programs = joined(systemFolder(CSIDL_PROGRAM_FILES), TEXT("\\Morvil"));
+    const FolderAround programs = folderAround(TEXT("\\Morvil\\PrinterDriver"), CSIDL_PROGRAM_FILES);
+    m_programs = joined(programs.path, TEXT("\\Morvil"));
+    m_hasPrograms = programs.hasOurs;
     m_programCommonFiles = joined(m_programs, TEXT("\\Common Files"));
     logState().baseFolder = dataRoot();
-    provideFolders(m_dataRoot, m_commonFiles);
+    if (!data.hasOurs) provideFolders(m_dataRoot, m_commonFiles);
 }
 
 void CMvConfig::buildPathJobApplication(const Path& version) {
@@ -147,11 +162,6 @@ void CMvConfig::buildPathJobApplication(const Path& version) {
     m_applicationPath = withoutLast(readPath(ini, TEXT("AdvancedSetup"), TEXT("ApplicationPath")));
     m_spoolFolder = withoutBackslash(readPath(ini, kUserSetup, TEXT("SpoolPath")));
     m_workFolder = withoutBackslash(readPath(ini, kUserSetup, TEXT("WorkPath")));
-    // The customer's list follows the catalogue's folder, whether or not it exists there.
-    m_coloursGaspen = joined(m_jobApplicationFolder, TEXT("\\ColorsGaspen.xml"));
-    const bool besideTheApplication = fileExists(m_coloursGaspen.data());
-    if (!besideTheApplication) m_coloursGaspen = joined(m_commonFiles, TEXT("\\ColorsGaspen.xml"));
-    m_coloursCustomer = joined(besideTheApplication ? m_jobApplicationFolder : m_commonFiles, TEXT("\\ColorsCustomer.xml"));
 }
 
 void CMvConfig::buildPathDriver(const Path& version) {
@@ -160,9 +170,20 @@ void CMvConfig::buildPathDriver(const Path& version) {
     m_driverProgramFolder = joined(m_programs, TEXT("\\PrinterDriver"));
     logState().folder = driverDataFolder();
     provideFolders(m_driverDataFolder, m_driverVersionFolder);
-    provideFolders(m_programs, m_driverProgramFolder);
+    if (!m_hasPrograms) provideFolders(m_programs, m_driverProgramFolder);
     m_configurationFile = joined(m_driverDataFolder, TEXT("\\PrinterDriver.xml"));
     if (m_spoolFolder[0] == 0 || !folderExists(m_spoolFolder.data())) copyText(m_spoolFolder, fallbackSpoolFolder());
+}
+
+// The customer's list follows the catalogue's folder, whether or not it exists there.
+const CMvConfig::ColourLists& CMvConfig::colourLists() const {
+    if (!m_colourLists) {
+        const WCHAR* const name = TEXT("\\ColorsGaspen.xml");
+        const bool besideTheApplication = fileExists(joined(m_jobApplicationFolder, name).data());
+        const Path& folder = besideTheApplication ? m_jobApplicationFolder : m_commonFiles;
+        m_colourLists = {.gaspen = joined(folder, name), .customer = joined(folder, TEXT("\\ColorsCustomer.xml"))};
+    }
+    return *m_colourLists;
 }
 
 WString CMvConfig::fallbackSpoolFolder() const {

@@ -1,9 +1,10 @@
 // CMvConfig.h - works out, once for each object, every folder and file that the driver and its partner programs share, and
 // creates what is missing. A path that cannot be built stays empty; failures are only logged. Building one announces the log
-// folder and the base folder to the log.
+// folder and the base folder to the log. One thread at a time.
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "config/ConfigurationRecord.h"
 #include "platform/common/Text.h"
@@ -31,17 +32,24 @@ class CMvConfig {
     [[nodiscard]] const WCHAR* driverVersionFolder() const { return m_driverVersionFolder.data(); }
     [[nodiscard]] const WCHAR* driverProgramFolder() const { return m_driverProgramFolder.data(); }
     [[nodiscard]] const WCHAR* configurationFile() const { return m_configurationFile.data(); }
-    [[nodiscard]] const WCHAR* coloursGaspen() const { return m_coloursGaspen.data(); }
-    [[nodiscard]] const WCHAR* coloursCustomer() const { return m_coloursCustomer.data(); }
+    [[nodiscard]] const WCHAR* coloursGaspen() const { return colourLists().gaspen.data(); }
+    [[nodiscard]] const WCHAR* coloursCustomer() const { return colourLists().customer.data(); }
     [[nodiscard]] const WCHAR* diagnosticsFile() const { return m_diagnosticsFile.data(); }
     // Used when the spool folder cannot be written: driver data folder + "\Spool.Default", made when asked for.
     [[nodiscard]] WString fallbackSpoolFolder() const;
 
   private:
+    struct ColourLists {
+        Path gaspen;
+        Path customer;
+    };
+
     void buildPathCommon();
     // `version`: the acting one of the program whose folders these are.
     void buildPathJobApplication(const Path& version);
     void buildPathDriver(const Path& version);
+    // Where they lie is looked up at the first question, for a load of the configuration has none.
+    const ColourLists& colourLists() const;
 
     Path m_dataRoot{};
     Path m_commonFiles{};
@@ -58,9 +66,9 @@ class CMvConfig {
     Path m_driverVersionFolder{};
     Path m_driverProgramFolder{};
     Path m_configurationFile{};
-    Path m_coloursGaspen{};
-    Path m_coloursCustomer{};
     Path m_diagnosticsFile{};
+    mutable std::optional<ColourLists> m_colourLists;
+    bool m_hasPrograms = false;  // the driver program folder was there
 };
 
 // The data root inside the common application-data folder; empty when that is not known or too long, which is logged.

@@ -1,6 +1,6 @@
 // shell.cpp - the system's folders. Promises: "C:\ProgramData" and "C:\Program Files", made in the data root when missing
-// (on Windows they always exist), and the name of the system folder. Refuses: every other folder (E_INVALIDARG), other users'
-// folders (the token is ignored).
+// (on Windows they always exist), or only named with CSIDL_FLAG_DONT_VERIFY, and the name of the system folder. Refuses: every
+// other folder (E_INVALIDARG), other users' folders (the token is ignored).
 #include <string>
 
 #include "platform/posix/Errors.h"
@@ -36,8 +36,10 @@ HRESULT SHGetFolderPathW(HWND, int folder, HANDLE, DWORD, LPWSTR path) {
     *path = 0;
     const WStringView name = folderOf(folder);
     if (name.empty()) return E_INVALIDARG;
+    if (refused("SHGetFolderPathW")) return resultOf(GetLastError());
     HostPath hostPath;
-    if (refused("SHGetFolderPathW") || !hostPath.assign(name) || !provideFolder(hostPath)) return resultOf(GetLastError());
+    const bool verified = (folder & CSIDL_FLAG_DONT_VERIFY) == 0;
+    if (verified && !(hostPath.assign(name) && provideFolder(hostPath))) return resultOf(GetLastError());
     copyText({path, MAX_PATH}, name);
     return S_OK;
 }

@@ -49,6 +49,16 @@ TEST_F(Folders, without_a_common_folder_every_path_of_it_stays_empty_and_is_logg
     EXPECT_TRUE(folders.fallbackSpoolFolder().empty());
 }
 
+TEST_F(Folders, system_folders_that_cannot_be_made_leave_their_paths_empty) {
+    const test::LogFiles log;
+    const test::FailingCalls faults(1, test::Fault::Persistent, "makeFolder");
+    const CMvConfig folders;
+    EXPECT_THAT(log.morvilMessages(),
+                ElementsAre("!!! CMvConfig::buildPathCommon Error common", "!!! CMvConfig::createDefaultMorvilConfig Error",
+                            "!!! CMvConfig::createDefaultPlotkeeperConfig Error"));
+    for (const WCHAR* path : {folders.dataRoot(), folders.programCommonFiles(), folders.driverProgramFolder()}) EXPECT_EQ(toUtf8(path), "");
+}
+
 TEST_F(Folders, a_common_folder_of_more_than_258_characters_is_logged) {
     test::LogFiles log;
     CMvConfig::Path common{};
@@ -135,6 +145,18 @@ TEST_F(Folders, a_second_time_nothing_is_created) {
     EXPECT_THAT(texts(), IsEmpty());
     EXPECT_EQ(toUtf8(second.workFolder()), "C:\\mine");
     EXPECT_FALSE(exists(TEXT("C:\\mine")));
+}
+
+TEST_F(Folders, what_was_removed_since_is_made_again) {
+    { const CMvConfig first; }
+    for (const WCHAR* gone : {TEXT("C:\\ProgramData\\Morvil\\Common Files"), TEXT("C:\\ProgramData\\Morvil\\PrinterDriver\\0.0.0"),
+                              TEXT("C:\\ProgramData\\Morvil\\PrinterDriver"), TEXT("C:\\Program Files\\Morvil\\PrinterDriver"),
+                              TEXT("C:\\Program Files\\Morvil"), TEXT("C:\\Program Files")}) {
+        ASSERT_TRUE(RemoveDirectoryW(gone)) << toUtf8(gone);
+    }
+    const CMvConfig second;
+    for (const WCHAR* path : {second.commonFiles(), second.driverVersionFolder(), second.driverProgramFolder()})
+        EXPECT_TRUE(folderExists(path)) << toUtf8(path);
 }
 
 TEST_F(Folders, the_log_and_the_debug_switches_learn_their_folders) {
@@ -224,6 +246,14 @@ TEST_F(Folders, the_customers_colours_follow_the_catalogues) {
     writeBytes(TEXT("C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsGaspen.xml"), "<a/>");
     EXPECT_EQ(toUtf8(CMvConfig().coloursGaspen()), "C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsGaspen.xml");
     EXPECT_EQ(toUtf8(CMvConfig().coloursCustomer()), "C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsCustomer.xml");
+}
+
+TEST_F(Folders, the_colour_lists_are_looked_for_once_at_the_first_question) {
+    const CMvConfig folders;
+    writeBytes(TEXT("C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsGaspen.xml"), "<a/>");
+    EXPECT_EQ(toUtf8(folders.coloursCustomer()), "C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsCustomer.xml");
+    DeleteFileW(TEXT("C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsGaspen.xml"));
+    EXPECT_EQ(toUtf8(folders.coloursGaspen()), "C:\\ProgramData\\Morvil\\Plotkeeper\\0.0.0\\ColorsGaspen.xml");
 }
 
 // The longest path that fits the buffers, and one character more.

@@ -275,6 +275,14 @@ TEST_F(PathTest, systemFolders_exist) {
     EXPECT_TRUE(FAILED(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, SHGFP_TYPE_CURRENT, path.data())));
 }
 
+TEST_F(PathTest, systemFolders_areNamedWithoutALook) {
+    std::array<WCHAR, MAX_PATH> path{};
+    const FailingCalls faults(1, Fault::Persistent);
+    EXPECT_EQ(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES | CSIDL_FLAG_DONT_VERIFY, nullptr, SHGFP_TYPE_CURRENT, path.data()), S_OK);
+    EXPECT_EQ(viewOf(path), TEXT("C:\\Program Files"));
+    EXPECT_EQ(faults.fired(), 0);
+}
+
 TEST_F(PathTest, systemDirectory_tellsTheRoomItNeeds) {
     std::array<WCHAR, MAX_PATH> path{};
     EXPECT_EQ(GetSystemDirectoryW(path.data(), 5), 20U);
