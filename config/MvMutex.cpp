@@ -1,6 +1,7 @@
 #include "config/MvMutex.h"
 
 #include "driver/log/Log.h"
+#include "platform/common/SharedMutex.h"
 
 namespace morvil {
 
@@ -28,16 +29,12 @@ MvMutex::MvMutex(const WCHAR* name, const DebugSwitches& switches)
 }
 
 void MvMutex::open(const WCHAR* name) {
-    m_handle = OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, name);
-    if (m_handle != nullptr) {
-        debugPrint(TEXT("MvMutex::MvMutex use existing mutex (%X), processID=%d, threadID=%d, msTimeOut=%d\n"), low32(m_handle),
-                   m_processId, m_threadId, m_timeout);
-        return;
-    }
-    m_handle = CreateMutexW(nullptr, FALSE, name);
+    bool existed = false;
+    m_handle = openOrCreateMutex(name, existed);
     if (m_handle == nullptr) return;
-    debugPrint(TEXT("MvMutex::MvMutex create new mutex (%X), processID=%d, threadID=%d, msTimeOut=%d\n"), low32(m_handle), m_processId,
-               m_threadId, m_timeout);
+    debugPrint(existed ? TEXT("MvMutex::MvMutex use existing mutex (%X), processID=%d, threadID=%d, msTimeOut=%d\n")
+                       : TEXT("MvMutex::MvMutex create new mutex (%X), processID=%d, threadID=%d, msTimeOut=%d\n"),
+               low32(m_handle), m_processId, m_threadId, m_timeout);
 }
 
 MvMutex::~MvMutex() {

@@ -23,6 +23,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/common/SharedMutex.h"
 #include "platform/posix/Errors.h"
 #include "platform/posix/HolderRecord.h"
 #include "platform/posix/HostState.h"
@@ -357,6 +358,18 @@ HANDLE OpenMutexW(DWORD, BOOL, LPCWSTR name) {
     bool existed = false;
     auto mutex = objectOf(viewOf(name), false, existed);
     return mutex ? handleOf(std::move(mutex)) : nullptr;
+}
+
+// As OpenMutexW and CreateMutexW one after the other, but with one look at the file.
+HANDLE morvil::openOrCreateMutex(const WCHAR* name, bool& existed) {
+    const bool mayOpen = !refused("OpenMutexW");
+    const bool mayCreate = !refused("CreateMutexW");
+    existed = false;
+    auto mutex = mayOpen || mayCreate ? objectOf(viewOf(name), mayCreate, existed) : nullptr;
+    existed = existed && mayOpen;
+    if (mutex) return handleOf(std::move(mutex));
+    (void)refused("CreateMutexW");  // its error is the one that counts
+    return nullptr;
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
