@@ -12,6 +12,8 @@ namespace morvil {
 
 class CMvString {
   public:
+    CMvString() {}  // NOLINT(modernize-use-equals-default): the default one would clear the buffer, for each conversion
+
     std::uint32_t asUnsignedInt(const WCHAR* text);
     std::int32_t asInt(const WCHAR* text);
     std::uint16_t asUnsignedShort(const WCHAR* text);
@@ -51,7 +53,7 @@ class CMvString {
     void reportConversion(const WCHAR* operation, WStringView text);
     static void copyPart(WCHAR* destination, WStringView token);
 
-    std::array<WCHAR, m_capacity> m_buffer{};
+    std::array<WCHAR, m_capacity> m_buffer;
 };
 
 }  // namespace morvil

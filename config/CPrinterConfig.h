@@ -49,7 +49,7 @@ class CPrinterConfig {
     // Whether the path names an existing folder in which a file can be made.
     bool pathValid(const WCHAR* path);
 
-    static ConfigurationRecord defaultConfiguration();
+    static const ConfigurationRecord& defaultConfiguration();
 
     // Aims the getters and setters below at a configuration; at first they work on the active one. False and unchanged for
     // a name that is refused: one with a part that reads as a whole number other than 0, or that no element could bear, and one

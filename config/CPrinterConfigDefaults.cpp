@@ -102,7 +102,7 @@ ConfigurationRecord madeDefaults() {
 
 }  // namespace
 
-ConfigurationRecord CPrinterConfig::defaultConfiguration() {
+const ConfigurationRecord& CPrinterConfig::defaultConfiguration() {
     static const ConfigurationRecord defaults = madeDefaults();
     return defaults;
 }

@@ -1,6 +1,7 @@
 #include "config/CPrinterConfigItems.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "config/CMvString.h"
 #include "platform/common/Format.h"
@@ -52,6 +53,13 @@ bool inRange(const keys::NumberKey<T>& key, T value) {
     return value >= key.low && value <= key.high;
 }
 
+// The name of the element of a list that bears the number.
+WString nameOf(const keys::ListKey& key, int number) {
+    std::array<char, 11> digits{};
+    char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    return WString(key.name).append(digits.data(), end);
+}
+
 }  // namespace
 
 WString ConfigurationItems::pathOf(const keys::KeyPath& key) const {
@@ -61,7 +69,7 @@ WString ConfigurationItems::pathOf(const keys::KeyPath& key) const {
 }
 
 WString ConfigurationItems::pathOf(const keys::ListKey& key, int number) const {
-    return format(TEXT("%s.%s%d"), pathOf(key.parent), key.name, number);
+    return pathOf(key.parent).append(TEXT(".")).append(nameOf(key, number));
 }
 
 std::size_t ConfigurationItems::lengthOf(const keys::KeyPath& key) const {
@@ -81,7 +89,7 @@ const XmlNode* ConfigurationItems::element(const keys::KeyPath& key) const {
 const XmlNode* ConfigurationItems::element(const keys::ListKey& key, int number) const {
     const XmlNode* const parent = element(key.parent);
     if (parent == nullptr) return nullptr;
-    const WString name = format(TEXT("%s%d"), key.name, number);
+    const WString name = nameOf(key, number);
     return lengthOf(key.parent) + 1 + name.size() > ItemPath::kMostCharacters ? nullptr : findChild(*parent, name);
 }
 

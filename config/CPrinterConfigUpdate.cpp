@@ -70,7 +70,7 @@ bool CPrinterConfig::doUpdate(ConfigurationRecord& record) {
         if (!putMissingOffsets(items)) return false;
         if (!items.put(items.pathOf(keys::kGreyVectors), kDefaultGreyVectors, keys::kGreyVectorsAttribute)) return false;
         logVersions(items);
-        const ConfigurationRecord defaults = defaultConfiguration();
+        const ConfigurationRecord& defaults = defaultConfiguration();
         return setFlags(record.flags) &&
                items.put(items.pathOf(keys::kJobFormat, kBrowserFormat), viewOf(defaults.job.formats[kBrowserFormat])) &&
                items.put(keys::kLoggingFileSize, static_cast<std::uint32_t>(defaults.logging.maxBytes)) && putColourMatching(items);

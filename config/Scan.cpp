@@ -44,7 +44,7 @@ std::uint64_t accumulate(WStringView text, unsigned base) {
     std::uint64_t value = 0;
     for (std::size_t at = 0; isDigitOf(text, at, static_cast<int>(base)); ++at) {
         const auto digit = static_cast<std::uint64_t>(digitOf(text[at]));
-        if (value > (kLargest - digit) / base) return kLargest;
+        if (value >= kLargest / 16 && value > (kLargest - digit) / base) return kLargest;  // most numbers need no division
         value = value * base + digit;
     }
     return value;

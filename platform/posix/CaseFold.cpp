@@ -35,7 +35,7 @@ WCHAR upperOf(WCHAR unit) {
 }
 
 bool equalIgnoringCase(WStringView a, WStringView b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](WCHAR x, WCHAR y) { return upperOf(x) == upperOf(y); });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](WCHAR x, WCHAR y) { return x == y || upperOf(x) == upperOf(y); });
 }
 
 bool lessIgnoringCase(WStringView a, WStringView b) {

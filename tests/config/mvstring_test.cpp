@@ -213,7 +213,8 @@ TEST_F(MvString, asBoolean_takes_words_and_anything_that_begins_as_a_number) {
                     {TEXT(" 7abc"), true},       {TEXT("TRUE"), true},   {TEXT("True"), true},
                     {TEXT("true"), true},        {TEXT("False"), false}, {TEXT("FALSE"), false},
                     {TEXT("010"), true},         {TEXT("08"), false},    {TEXT("0xg"), false},
-                    {TEXT("4294967296"), false}, {TEXT("+3"), true},     {TEXT("18446744073709551616"), true}};
+                    {TEXT("4294967296"), false}, {TEXT("+3"), true},     {TEXT("18446744073709551616"), true},
+                    {TEXT("0x10000000000000000"), true}, {TEXT("02000000000000000000000"), true}};
     for (const auto& text : accepted) EXPECT_EQ(m_string.asBoolean(text.text), text.value) << toUtf8(text.text);
     EXPECT_THAT(m_capture.texts(), IsEmpty());
 }
