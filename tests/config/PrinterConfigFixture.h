@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -87,5 +88,22 @@ class PrinterConfigTest : public testing::Test {
 
 inline std::string text(std::span<const WCHAR> buffer) { return toUtf8(viewOf(buffer)); }
 inline std::string text(const WCHAR* value) { return toUtf8(viewOf(value)); }
+
+// All of two records but the time at which they were made.
+inline bool sameSettings(ConfigurationRecord a, ConfigurationRecord b) {
+    a.timeStamp = b.timeStamp = 0;
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// A record that no load has touched.
+inline ConfigurationRecord sentinel() {
+    ConfigurationRecord record;
+    std::memset(&record, 0x5A, sizeof record);
+    return record;
+}
+
+// Suites that have cases in several files.
+class PrinterConfigKeys : public PrinterConfigTest {};
+class PrinterConfigLoad : public PrinterConfigTest {};
 
 }  // namespace morvil::test
