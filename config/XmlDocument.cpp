@@ -12,8 +12,16 @@ static_assert(std::is_trivially_destructible_v<XmlNode> && std::is_trivially_des
 
 namespace {
 
-// For the nodes of a text. A configuration file needs about five bytes for each character.
-std::size_t usualNodes(std::size_t characters) { return std::clamp<std::size_t>(characters * 6, 1024, std::size_t{4} << 20); }
+// For a text and its nodes, of which a configuration file needs about five bytes for each character. A C library that gets a large
+// block back learns to keep twice as much for the next one; of smaller ones it keeps 128 KB in all, and to be given the rest anew
+// for each document, page by page, costs more than parsing. So nobody asks for a size between: what is not used is never touched.
+std::size_t blockFor(std::size_t characters) {
+    constexpr std::size_t kSmall = std::size_t{64} << 10;
+    constexpr std::size_t kLarge = std::size_t{256} << 10;
+    constexpr std::size_t kMostNodes = std::size_t{4} << 20;
+    const std::size_t bytes = (characters + 1) * sizeof(WCHAR) + std::clamp<std::size_t>(characters * 6, 1024, kMostNodes);
+    return bytes <= kSmall ? bytes : std::max(bytes, kLarge);
+}
 
 // Compared as bytes, which is quicker than unit by unit; most names differ in length or in their first character.
 bool same(WStringView one, WStringView other) {
@@ -66,19 +74,16 @@ XmlDocument::XmlDocument(WStringView text) {
     endText(copy);
 }
 
-// One block for all of it: many small ones go back to the system with their document, and to be given them again, page by page,
-// costs more than parsing. From one that is large the allocator learns to keep as much.
 std::span<WCHAR> XmlDocument::startText(std::size_t characters) {
-    const std::size_t bytes = (characters + 1) * sizeof(WCHAR);
     m_root = {.type = XmlType::Root};
     m_text = {};
-    if (m_lastBlock >= bytes) {
+    if (m_lastBlock >= (characters + 1) * sizeof(WCHAR)) {
         m_blocks.erase(m_blocks.begin(), m_blocks.end() - 1);  // of several the last is the largest
         m_free = {m_blocks.back().get(), m_lastBlock};
     } else {
         m_blocks.clear();
         m_free = {};
-        m_nextBlock = bytes + usualNodes(characters);
+        m_nextBlock = blockFor(characters);
     }
     const std::span<WCHAR> place = room(characters + 1);
     return place.empty() ? place : place.first(characters);
