@@ -93,8 +93,8 @@ class Parser {
         const WCHAR* const start = m_text.data() + m_at + 1;
         const WCHAR* const end = m_text.data() + m_text.size();
         const WCHAR* at = start;
-        while (at < end && *at != quote && !isBlank(*at)) ++at;
-        const bool blanks = at < end && *at != quote;
+        while (*at != quote && !isBlank(*at)) ++at;  // the terminator is a blank
+        const bool blanks = *at != quote;
         while (at < end && *at != quote) ++at;
         if (at >= end) return false;
         const auto length = static_cast<std::size_t>(at - start);

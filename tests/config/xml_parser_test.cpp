@@ -62,6 +62,8 @@ constexpr Reading kDamaged[] = {
     {TEXT("<!DOCTYPE a <b/>"), "doctype a\nelement b\n"},
     {TEXT("<!DOCTYPE a \"never closed <b/>"), "doctype a\n"},
     {TEXT("<![INCLUDE[ <b> <![INCLUDE[ <c/> ]]> <d/>"), "include ' <b> <![INCLUDE[ <c/> '\n  element b\n    element c\nelement d\n"},
+    {TEXT("<![INCLUDE[<a/><b x=\"1]]><c y=\"2\"/>"), "include '<a/><b x=\"1'\n  element a\nelement c y='2'\n"},
+    {TEXT("<![INCLUDE[<a/><b x='1 2]]>3'<c/>"), "include '<a/><b x='1 2'\n  element a\ntext '3''\nelement c\n"},
     {TEXT("<![OTHER[ x ]]>"), ""},
 };
 
