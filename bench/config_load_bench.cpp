@@ -4,8 +4,8 @@
 //                    old document's memory, unlock.
 //   ConfigReload/N   a configuration object that is there fills the record: StoreLoad, two ini files are asked whether they are as
 //                    they were, and some fifty items are looked up and converted.
-//   ConfigLoad/N     the same with a new object: it first looks for the shared folders (nine questions to the system), opens the
-//                    mutex, and begins with a document without memory.
+//   ConfigLoad/N     the same with a new object: it first looks for the shared folders (six questions to the system), opens the
+//                    mutex (four), and begins with a document without memory.
 // N stored configurations lie in the file beside the active one: 0, 20 and 200 are 2, 25 and 240 KB. The file lies in memory
 // (/dev/shm) where the machine offers that.
 // The counter times_pugixml is the processor time of a pass divided by that of a PugixmlParse, each the best of forty rounds that
