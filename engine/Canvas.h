@@ -27,6 +27,8 @@ class Canvas {
         const LONG around = std::max(page.cx, page.cy);
         return {-around, -around, page.cx + around, page.cy + around};
     }
+    // Of the page, or of the band.
+    [[nodiscard]] DashBudget& dashBudget() { return m_dashBudget; }
     [[nodiscard]] virtual bool ok() const = 0;          // false: the page was aborted or the driver failed
 
     // The clip of all following calls, in page pixels; none: the whole page.
@@ -46,6 +48,9 @@ class Canvas {
     // Colours for 1-bit sources without palette, and the background colour for 1-bit targets.
     virtual void setTextColours(COLORREF foreground, COLORREF background) = 0;
     virtual void textOut(const GlyphRun& run, COLORREF colour, const RECTL* opaque, COLORREF background) = 0;
+
+  private:
+    DashBudget m_dashBudget;
 };
 
 // Something that can draw itself, a page at a time and any number of times (once per band).

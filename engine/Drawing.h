@@ -2,6 +2,7 @@
 // coordinates unless said otherwise. Plain data without any link to a surface.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -49,6 +50,27 @@ struct Pen {
     // Lengths of dash and gap in turn: world units when geometric, style steps when cosmetic; empty: solid.
     std::vector<float> style;
     bool alternate = false;  // every other pixel, cosmetic only
+};
+
+// How often the patterns of wide dashed lines may still repeat. A small file may ask for very many repeats, and nothing else would
+// bound the time and memory that their outlines take: some 1.2 KB each until their path is filled.
+class DashBudget {
+  public:
+    static constexpr double kMostOfOnePath = 250'000.0;
+    static constexpr double kMost = 4e6;
+
+    // False, and nothing taken, when so many are not left.
+    bool take(double repeats) {
+        if (!(repeats <= std::min(m_left, m_leftOfPath))) return false;
+        m_left -= repeats;
+        m_leftOfPath -= repeats;
+        return true;
+    }
+    void beginPath() { m_leftOfPath = kMostOfOnePath; }
+
+  private:
+    double m_left = kMost;
+    double m_leftOfPath = kMostOfOnePath;
 };
 
 // A glyph as a one-bit picture; `origin` is from the pen position to its upper left, y down. Rows are byte-aligned, leftmost

@@ -55,7 +55,9 @@ bool stretchRop(const StretchRequest& request);
 // of a style unit comes from the surface's device.
 void strokeCosmetic(EngineSurface& surface, const Path& path, const EngineClip& clip, const EngineBrush& brush, const Pen& pen, int rop2);
 // The outline of a stroked path: joins, caps and dashes in world units, result in device coordinates, to be filled winding.
-// Beyond `seen` curves are coarser, as far as the width of the pen lets nothing of that show.
-Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice, const std::optional<RECTL>& seen = std::nullopt);
+// Beyond `seen` curves are coarser and there are no dashes, as far as the width of the pen lets nothing of that show. Dashes are
+// taken from the budget (null: one for this path alone); a figure for which it lacks them becomes solid.
+Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice, const std::optional<RECTL>& seen = std::nullopt,
+               DashBudget* budget = nullptr);
 
 }  // namespace morvil::engine

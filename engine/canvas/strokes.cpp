@@ -91,7 +91,7 @@ void DriverCanvas::strokeGeometric(const Path& path, const Pen& pen, const XFORM
     }
     XFORM inBandTransform = worldToDevice;
     inBandTransform.eDy -= static_cast<FLOAT>(m_target.bandTop);
-    const Path outline = widenPath(path, pen, inBandTransform, inBand(sight()));
+    const Path outline = widenPath(path, pen, inBandTransform, inBand(sight()), &dashBudget());
     fillRealized(outline, brush, FillMode::Winding, rop2, true);
     count(&PageReport::strokesByEngine);
 }

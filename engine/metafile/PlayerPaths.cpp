@@ -75,7 +75,8 @@ void Player::widenPath(const Record&) {
     if (m_bracket != Bracket::Finished) throw DamagedRecord("there is no finished path");
     const Pen pen = realisePen();
     if (pen.null || !pen.geometric) return;
-    m_path = copyOf(morvil::engine::widenPath(m_path, pen, logicalToPage().toXform(), m_canvas.sight()), false);  // the outline may lie farther out
+    const Path outline = morvil::engine::widenPath(m_path, pen, logicalToPage().toXform(), m_canvas.sight(), &m_canvas.dashBudget());
+    m_path = copyOf(outline, false);  // it may lie farther out
     m_pathIsEllipse = false;
 }
 

@@ -8,20 +8,17 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <limits>
 #include <optional>
 
 #include "engine/Pixels.h"
+#include "engine/pixels/SeenRuns.h"
 
 namespace morvil::engine {
 namespace {
 
 // AGG keeps chords within an eighth of the unit that its scale is for; device coordinates have sixteenths of a pixel.
 constexpr double kFineness = 4.0;
-
-struct WorldPoint {
-    double x;
-    double y;
-};
 
 class WorldTransform {
   public:
@@ -32,13 +29,17 @@ class WorldTransform {
         return WorldTransform(form, determinant);
     }
 
-    [[nodiscard]] WorldPoint toWorld(POINTFIX point) const {
+    [[nodiscard]] RealPoint toWorld(POINTFIX point) const {
         const double x = point.x / 16.0 - m_form.eDx;
         const double y = point.y / 16.0 - m_form.eDy;
         return {(x * m_form.eM22 - y * m_form.eM21) / m_determinant, (y * m_form.eM11 - x * m_form.eM12) / m_determinant};
     }
+    [[nodiscard]] RealPoint toPixels(double x, double y) const {
+        return {x * m_form.eM11 + y * m_form.eM21 + m_form.eDx, x * m_form.eM12 + y * m_form.eM22 + m_form.eDy};
+    }
     [[nodiscard]] POINTFIX toDevice(double x, double y) const {
-        return {toFix(x * m_form.eM11 + y * m_form.eM21 + m_form.eDx), toFix(x * m_form.eM12 + y * m_form.eM22 + m_form.eDy)};
+        const RealPoint pixels = toPixels(x, y);
+        return {toFix(pixels.x), toFix(pixels.y)};
     }
     // Device pixels of a world unit, the mean over all directions.
     [[nodiscard]] double scale() const { return std::sqrt(std::abs(m_determinant)); }
@@ -59,18 +60,18 @@ class WorldTransform {
 agg::path_storage worldPath(const Subpath& figure, const WorldTransform& transform) {
     agg::path_storage path;
     const auto world = [&](std::size_t i) { return transform.toWorld(figure.points[i]); };
-    const WorldPoint start = world(0);
+    const RealPoint start = world(0);
     path.move_to(start.x, start.y);
     std::size_t next = 1;
     for (const SegmentKind kind : figure.segments) {
         if (kind == SegmentKind::Line) {
-            const WorldPoint end = world(next++);
+            const RealPoint end = world(next++);
             path.line_to(end.x, end.y);
             continue;
         }
-        const WorldPoint control1 = world(next);
-        const WorldPoint control2 = world(next + 1);
-        const WorldPoint end = world(next + 2);
+        const RealPoint control1 = world(next);
+        const RealPoint control2 = world(next + 1);
+        const RealPoint end = world(next + 2);
         path.curve4(control1.x, control1.y, control2.x, control2.y, end.x, end.y);
         next += 3;
     }
@@ -86,7 +87,7 @@ bool isPoint(const Subpath& figure) {
 // A figure without length shows its caps alone: a dot, a square, or nothing.
 void addDot(Path& result, const Subpath& figure, const Pen& pen, double width, const WorldTransform& transform) {
     if (pen.endCap == ENDCAP_BUTT) return;
-    const WorldPoint centre = transform.toWorld(figure.points[0]);
+    const RealPoint centre = transform.toWorld(figure.points[0]);
     const double radius = width / 2.0;
     const bool square = pen.endCap == ENDCAP_SQUARE;
     // Chords that stay within a thirty-second of a pixel, as for round caps.
@@ -153,65 +154,103 @@ std::vector<double> dashesOf(const Pen& pen) {
     return dashes;
 }
 
-double deviceLength(const Subpath& figure) {
-    double length = 0.0;
-    for (std::size_t i = 1; i < figure.points.size(); ++i) {
-        length += std::hypot((figure.points[i].x - figure.points[i - 1].x) / 16.0, (figure.points[i].y - figure.points[i - 1].y) / 16.0);
-    }
-    return length;
+// Within which a part of the line may show something. No cap, corner or miter reaches farther from the line than the room.
+std::optional<RECTL> reachedFrom(const std::optional<RECTL>& seen, const Pen& pen, double width, const WorldTransform& transform) {
+    if (!seen) return std::nullopt;
+    constexpr double kMost = 1 << 28;
+    const double reach = std::max(2.0, static_cast<double>(pen.miterLimit)) * (width / 2.0) * transform.stretch();
+    const auto room = static_cast<LONG>(std::ceil(std::clamp(reach, 0.0, kMost)));
+    return RECTL{seen->left - room, seen->top - room, seen->right + room, seen->bottom + room};
 }
 
-// The path with AGG left to cut those curves alone that lie where they are seen, and altogether into no more lines than memory
-// easily holds.
-Path withoutFarCurves(const Path& path, const Pen& pen, double width, const WorldTransform& transform, const std::optional<RECTL>& seen) {
-    constexpr FIX kTolerance = 2;  // an eighth of a pixel, as AGG's
-    constexpr std::size_t kMostLines = std::size_t{1} << 20;
-    Flattening how{.tolerance = kTolerance, .seen = seen, .keepsNear = true, .mostLines = kMostLines};
-    if (seen) {
-        // No cap, corner or miter reaches farther from the path.
-        constexpr double kMost = 1 << 28;
-        const double reach = std::max(2.0, static_cast<double>(pen.miterLimit)) * (width / 2.0) * transform.stretch();
-        const auto room = static_cast<LONG>(std::ceil(std::clamp(reach, 0.0, kMost)));
-        how.seen = RECTL{seen->left - room, seen->top - room, seen->right + room, seen->bottom + room};
+using Curves = agg::conv_curve<agg::path_storage>;
+
+std::vector<LinePoint> pointsOf(Curves& curves, bool closed, const WorldTransform& transform) {
+    std::vector<LinePoint> points;
+    double x = 0.0;
+    double y = 0.0;
+    curves.rewind(0);
+    for (unsigned command = curves.vertex(&x, &y); !agg::is_stop(command); command = curves.vertex(&x, &y)) {
+        if (agg::is_vertex(command)) points.push_back({.world = {x, y}, .device = transform.toPixels(x, y)});
     }
-    return path.flattened(how);
+    if (closed && !points.empty()) points.push_back(points.front());
+    return points;
 }
+
+// One pass over the figures of a path.
+class Widener {
+  public:
+    Widener(const Pen& pen, double width, const WorldTransform& transform, const std::optional<RECTL>& reached, DashBudget& budget)
+        : m_pen(pen), m_width(width), m_transform(transform), m_budget(budget), m_dashes(dashesOf(pen)) {
+        constexpr LONG kFar = std::numeric_limits<LONG>::max();
+        m_reached = reached.value_or(RECTL{-kFar, -kFar, kFar, kFar});
+        for (const double dash : m_dashes) m_period += dash;
+        m_budget.beginPath();
+    }
+
+    Path run(const Path& path) {
+        for (const Subpath& figure : path.subpaths()) m_corners += static_cast<double>(figure.points.size());
+        for (const Subpath& figure : path.subpaths()) addFigure(figure);
+        return std::move(m_outline);
+    }
+
+  private:
+    void addFigure(const Subpath& figure) {
+        if (isPoint(figure)) return addDot(m_outline, figure, m_pen, m_width, m_transform);
+        agg::path_storage world = worldPath(figure, m_transform);
+        Curves curves(world);
+        curves.approximation_scale(kFineness * m_transform.scale());
+        if (!addDashes(curves, figure.closed)) addOutline(m_outline, curves, m_pen, m_width, m_corners, m_transform);
+    }
+
+    // False when the line is to be drawn solid.
+    bool addDashes(Curves& curves, bool closed) {
+        if (m_dashes.empty()) return false;
+        const std::vector<SeenRun> runs = seenRuns(pointsOf(curves, closed, m_transform), m_reached);
+        double repeats = 0.0;
+        for (const SeenRun& run : runs) repeats += run.length / m_period;
+        if (!m_budget.take(repeats)) return false;
+        const double pieces = m_corners + repeats * static_cast<double>(m_dashes.size());
+        for (const SeenRun& run : runs) addRun(run, pieces);
+        return true;
+    }
+
+    void addRun(const SeenRun& run, double pieces) {
+        agg::path_storage line;
+        line.move_to(run.points.front().x, run.points.front().y);
+        for (std::size_t i = 1; i < run.points.size(); ++i) line.line_to(run.points[i].x, run.points[i].y);
+        agg::conv_dash<agg::path_storage> dash(line);
+        for (std::size_t i = 0; i + 1 < m_dashes.size(); i += 2) dash.add_dash(m_dashes[i], m_dashes[i + 1]);
+        dash.dash_start(std::fmod(run.before, m_period));
+        addOutline(m_outline, dash, m_pen, m_width, pieces, m_transform);
+    }
+
+    const Pen& m_pen;
+    double m_width;
+    const WorldTransform& m_transform;
+    DashBudget& m_budget;
+    std::vector<double> m_dashes;
+    double m_period = 0.0;
+    RECTL m_reached{};
+    double m_corners = 0.0;
+    Path m_outline;
+};
 
 }  // namespace
 
-Path widenPath(const Path& wholePath, const Pen& pen, const XFORM& worldToDevice, const std::optional<RECTL>& seen) {
-    Path result;
+Path widenPath(const Path& path, const Pen& pen, const XFORM& worldToDevice, const std::optional<RECTL>& seen, DashBudget* budget) {
     const std::optional<WorldTransform> transform = WorldTransform::make(worldToDevice);
-    if (!transform || pen.null) return result;
+    if (!transform || pen.null) return {};
     // A pen thinner than a pixel still draws one.
     const double width = std::max(std::abs(pen.width), 1.0 / transform->scale());
-    if (!std::isfinite(width)) return result;
-    const Path path = withoutFarCurves(wholePath, pen, width, *transform, seen);
-    const std::vector<double> dashes = dashesOf(pen);
-    double period = 0.0;
-    for (const double dash : dashes) period += dash;
-    double corners = 0.0;
-    for (const Subpath& figure : path.subpaths()) corners += static_cast<double>(figure.points.size());
-    for (const Subpath& figure : path.subpaths()) {
-        if (isPoint(figure)) {
-            addDot(result, figure, pen, width, *transform);
-            continue;
-        }
-        agg::path_storage world = worldPath(figure, *transform);
-        agg::conv_curve<agg::path_storage> curves(world);
-        curves.approximation_scale(kFineness * transform->scale());
-        // A pattern that repeats far below a pixel is solid to the eye and would only take memory.
-        constexpr double kMostPeriods = 1e6;
-        const double periods = dashes.empty() ? 0.0 : deviceLength(figure) / (period * transform->scale());
-        if (dashes.empty() || periods >= kMostPeriods) {
-            addOutline(result, curves, pen, width, corners, *transform);
-            continue;
-        }
-        agg::conv_dash<agg::conv_curve<agg::path_storage>> dash(curves);
-        for (std::size_t i = 0; i + 1 < dashes.size(); i += 2) dash.add_dash(dashes[i], dashes[i + 1]);
-        addOutline(result, dash, pen, width, corners + periods * static_cast<double>(dashes.size()), *transform);
-    }
-    return result;
+    if (!std::isfinite(width)) return {};
+    const std::optional<RECTL> reached = reachedFrom(seen, pen, width, *transform);
+    // AGG is left to cut those curves alone that lie where they are seen, and altogether into no more lines than memory easily holds.
+    constexpr FIX kTolerance = 2;  // an eighth of a pixel, as AGG's
+    constexpr std::size_t kMostLines = std::size_t{1} << 20;
+    const Path nearCurves = path.flattened({.tolerance = kTolerance, .seen = reached, .keepsNear = true, .mostLines = kMostLines});
+    DashBudget own;
+    return Widener(pen, width, *transform, reached, budget != nullptr ? *budget : own).run(nearCurves);
 }
 
 }  // namespace morvil::engine
