@@ -44,7 +44,7 @@ constexpr const WCHAR* k50 = TEXT("123456789012345678901234567890123456789012345
 }  // namespace
 
 // A text of so many characters.
-std::string letters(std::size_t count) { return std::string(count, 'l'); }
+static std::string letters(std::size_t count) { return std::string(count, 'l'); }
 
 class PrinterConfigSetters : public PrinterConfigTest {};
 

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/HostTest.h"
 #include "platform/posix/HostState.h"
 #include "support/FailingCalls.h"
 #include "support/TempHome.h"
@@ -21,21 +22,6 @@ namespace morvil::test {
 namespace {
 
 constexpr const WCHAR* kName = TEXT("Global\\PRINTERCONFIGSYNCH");
-
-// A handle that closes itself.
-class Handle {
-  public:
-    explicit Handle(HANDLE handle) : m_handle(handle) {}
-    ~Handle() {
-        if (m_handle != nullptr) CloseHandle(m_handle);
-    }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    operator HANDLE() const { return m_handle; }  // NOLINT(google-explicit-constructor)
-
-  private:
-    HANDLE m_handle;
-};
 
 Handle create() { return Handle(CreateMutexW(nullptr, FALSE, kName)); }
 
