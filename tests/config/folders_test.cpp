@@ -151,7 +151,7 @@ TEST_F(Folders, what_was_removed_since_is_made_again) {
     { const CMvConfig first; }
     for (const WCHAR* gone : {TEXT("C:\\ProgramData\\Morvil\\Common Files"), TEXT("C:\\ProgramData\\Morvil\\PrinterDriver\\0.0.0"),
                               TEXT("C:\\ProgramData\\Morvil\\PrinterDriver"), TEXT("C:\\Program Files\\Morvil\\PrinterDriver"),
-                              TEXT("C:\\Program Files\\Morvil"), TEXT("C:\\Program Files")}) {
+                              TEXT("C:\\Program Files\\Morvil")}) {
         ASSERT_TRUE(RemoveDirectoryW(gone)) << toUtf8(gone);
     }
     const CMvConfig second;
