@@ -7,6 +7,7 @@
 
 #include "config/CMvConfig.h"
 #include "config/StoreTest.h"
+#include "platform/common/FileStream.h"
 
 namespace morvil {
 namespace {
