@@ -86,7 +86,7 @@ TEST(StretchAxis, mirrored_isTheReverse) {
 }
 
 TEST_F(StretchBltTest, enlarging_repeatsInEveryModeButHalftone) {
-    for (const ULONG mode : {BLACKONWHITE, WHITEONBLACK, COLORONCOLOR, HALFTONE}) {
+    for (const ULONG mode : std::initializer_list<ULONG>{BLACKONWHITE, WHITEONBLACK, COLORONCOLOR, HALFTONE}) {
         EngineSurface& from = makeBitmap(2, 2, BMF_8BPP);
         draw(from, {"12", "34"});
         EngineSurface& to = makeBitmap(7, 5, BMF_8BPP);
@@ -215,7 +215,7 @@ TEST_F(StretchBltTest, clip_changesNoPixelInside) {
     EngineSurface& from = makeBitmap(30, 30, BMF_24BPP);
     fillRandomly(from, random);
     const RECTL parts[] = {{5, 4, 30, 22}, {20, 15, 50, 36}};
-    for (const ULONG mode : {BLACKONWHITE, WHITEONBLACK, COLORONCOLOR, HALFTONE}) {
+    for (const ULONG mode : std::initializer_list<ULONG>{BLACKONWHITE, WHITEONBLACK, COLORONCOLOR, HALFTONE}) {
         for (const RECTL target : {RECTL{2, 2, 60, 39}, RECTL{3, 3, 24, 22}, RECTL{55, 38, -4, -3}}) {
             EngineSurface& whole = makeBitmap(64, 40, BMF_8BPP);
             EngineSurface& clipped = makeBitmap(64, 40, BMF_8BPP);

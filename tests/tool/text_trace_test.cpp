@@ -82,7 +82,7 @@ TEST(TextTrace, tells_results) {
     EXPECT_EQ(toText({.function = INDEX_DrvEnablePDEV}), "DrvEnablePDEV = none");
     EXPECT_EQ(toText({.function = INDEX_DrvEnableSurface, .result = 1, .numbers = {2}}), "DrvEnableSurface instance 2 = surface");
     EXPECT_EQ(toText({.function = INDEX_DrvEnableSurface, .numbers = {2}}), "DrvEnableSurface instance 2 = none");
-    for (const ULONG function : {INDEX_DrvCompletePDEV, INDEX_DrvDisablePDEV, INDEX_DrvDisableSurface, INDEX_DrvDisableDriver}) {
+    for (const ULONG function : std::initializer_list<ULONG>{INDEX_DrvCompletePDEV, INDEX_DrvDisablePDEV, INDEX_DrvDisableSurface, INDEX_DrvDisableDriver}) {
         EXPECT_EQ(toText({.function = function}), functionName(function)) << "has none";
     }
     EXPECT_EQ(toText({.function = INDEX_DrvBitBlt}), "DrvBitBlt = 0");
