@@ -123,6 +123,18 @@ TEST_F(CanvasCalls, line_that_the_driver_answers_false_is_drawn_into_the_surface
     EXPECT_EQ(page.strokesByEngine, 1U);
 }
 
+TEST_F(CanvasCalls, dashed_wide_line_takes_from_the_pages_budget) {
+    Pen dashed = widePen(4);
+    dashed.style = {3.0F, 2.0F};
+    draw([&](Canvas& canvas) {
+        canvas.strokePath(line(1, 2, 20, 2), dashed, kIdentity, kCopyPen);
+        DashBudget& budget = canvas.dashBudget();
+        double left = 0.0;
+        for (budget.beginPath(); budget.take(DashBudget::kMostOfOnePath); budget.beginPath()) left += DashBudget::kMostOfOnePath;
+        EXPECT_EQ(left, DashBudget::kMost - DashBudget::kMostOfOnePath) << "the last share is no longer whole";
+    });
+}
+
 TEST_F(CanvasCalls, unhooked_stroke_is_the_engines) {
     driver.hooks = 0;
     const PageReport page = draw([](Canvas& canvas) { canvas.strokePath(line(1, 2, 20, 2), thinPen(0), kIdentity, kCopyPen); });

@@ -122,6 +122,14 @@ TEST(DashedLines, thatAreManyInOnePath_becomeSolidWhenTheirPathHasEnough) {
     EXPECT_EQ(widenPath(three, fine, kIdentity, kSeen).subpaths().size(), 2 * one + 1);
 }
 
+TEST(DashedLines, ofOnePathAfterTheOther_haveTheWholeShareOfAPathEach) {
+    const Path line = polyline({at(0, 50), at(200, 50)}, false);
+    Pen fine = dashedPen();
+    fine.style = {0.00075F, 0.00075F};  // 133,333 repeats
+    DashBudget budget;
+    for (int path = 0; path < 2; ++path) EXPECT_GT(widenPath(line, fine, kIdentity, kSeen, &budget).subpaths().size(), 130'000U) << path;
+}
+
 TEST(DashBudget, takesAsMuchAsThereIs_andNoMoreForOnePath) {
     DashBudget budget;
     EXPECT_FALSE(budget.take(DashBudget::kMostOfOnePath * 1.01));
